@@ -1,0 +1,32 @@
+# Compiler settings shared by every target, as the interface library tarvo_compile.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_library(tarvo_compile INTERFACE)
+target_compile_options(tarvo_compile INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Werror
+  # The results of the floating-point steps are part of what the filter promises: no fused
+  # multiply-add, no reassociation, on any architecture.
+  -ffp-contract=off -fno-fast-math
+  # libcups marks its PPD functions as deprecated; they are what a PPD filter is made of.
+  -Wno-deprecated-declarations)
+
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^i[3-6]86$")
+  # The x87 unit would keep excess precision between the steps.
+  target_compile_options(tarvo_compile INTERFACE -msse2 -mfpmath=sse)
+endif()
+
+if(TARVO_SANITIZE)
+  target_compile_options(tarvo_compile INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tarvo_compile INTERFACE -fsanitize=address,undefined)
+endif()

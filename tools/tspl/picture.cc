@@ -10,9 +10,11 @@
 namespace tspl {
 namespace {
 
-// What a picture may measure when its dots do not make it as large: beyond that a wrong SIZE would
-// cost hours and gigabytes.
-constexpr std::uint64_t kMostUnbackedSide = 1U << 20;
+// The longest side of a picture that programs with libpng's own limits read.
+constexpr std::uint64_t kMostSide = 1000000;
+
+// How large a picture may be when its dots do not make it so: beyond that, a wrong SIZE would cost
+// minutes and gigabytes.
 constexpr std::uint64_t kMostUnbackedPixels = 1U << 30;
 
 constexpr double kInchesPerMetre = 1.0 / 0.0254;
@@ -86,12 +88,10 @@ class Painter {
 };
 
 bool TooLarge(const Page& page, const Layout& layout) {
-  const std::uint64_t dots_across = BitmapWidth(page) + 2 * kMarginPixels;
-  const std::uint64_t dots_down = page.bitmap->height_dots + 2 * kMarginPixels;
-  if (layout.width > PNG_UINT_31_MAX || layout.height > PNG_UINT_31_MAX) return true;
-  if (layout.width > std::max(dots_across, kMostUnbackedSide)) return true;
-  if (layout.height > std::max(dots_down, kMostUnbackedSide)) return true;
-  return layout.width * layout.height > std::max(dots_across * dots_down, kMostUnbackedPixels);
+  if (layout.width > kMostSide || layout.height > kMostSide) return true;
+  const std::uint64_t backed =
+      (BitmapWidth(page) + 2 * kMarginPixels) * (page.bitmap->height_dots + 2 * kMarginPixels);
+  return layout.width * layout.height > std::max(backed, kMostUnbackedPixels);
 }
 
 png_uint_32 PixelsPerMetre(double dpi) {
@@ -110,7 +110,6 @@ bool WriteAll(png_structp png, png_infop info, const Label& label, Painter& pain
   if (setjmp(png_jmpbuf(png))) return false;
   const auto width = static_cast<png_uint_32>(painter.layout().width);
   const auto height = static_cast<png_uint_32>(painter.layout().height);
-  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_set_IHDR(png, info, width, height, 4, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_PLTE(png, info, kPalette, static_cast<int>(std::size(kPalette)));

@@ -41,8 +41,8 @@ Layout LayOut(const Page& page, const Label& label);
 /// Writes the page as a PNG with a palette to `file`, which stays the caller's, and returns an
 /// empty text; or returns why that failed, with the file half written. `label` is what
 /// MeasureLabel() gave for this page; its resolution goes into the file when it is known. Memory
-/// is a few rows of the picture. A label without dots to match it is refused when it is so large
-/// that drawing it would never end.
+/// is a few rows of the picture. A picture of more than a million pixels a side is refused, and so
+/// is one that a wrong SIZE makes so large that drawing it would hardly end.
 std::string WritePicture(const Page& page, const Label& label, std::FILE* file);
 
 }  // namespace tspl

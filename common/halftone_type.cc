@@ -6,16 +6,8 @@
 namespace {
 
 const char* const sHalftoneTypeStrTable[] = {
-    "None",
-    "FloydSteinberg",
-    "Ordered",
-    "Burkes",
-    "Stucki",
-    "JarvisJudiceNinke",
-    "Sierra",
-    "StevensonArce",
-    "Tattoo",
-    "Tattoo_X8",
+    "None",   "FloydSteinberg", "Ordered", "Burkes",    "Stucki", "JarvisJudiceNinke",
+    "Sierra", "StevensonArce",  "Tattoo",  "Tattoo_X8",
 };
 
 }  // namespace

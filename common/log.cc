@@ -4,8 +4,8 @@
 #include <cstdio>
 
 void tarvoLogCommon(int level, const char* format, ...) {
-  static const char* const sLogLevelTexts[] = {"DEBUG:", "DEBUG:", "WARN:",
-                                               "ERROR:", "CRIT:",  "INVALID:"};
+  static const char* const sLogLevelTexts[] = {
+      "DEBUG:", "DEBUG:", "WARN:", "ERROR:", "CRIT:", "INVALID:"};
   std::fprintf(stderr, "%s", sLogLevelTexts[level]);
   va_list arguments;
   va_start(arguments, format);

@@ -1,5 +1,6 @@
 // Gaussian blur, separable and two-dimensional. Images are read as one byte per pixel; samples
-// beyond the edge repeat the edge pixel. `ksize` is the number of taps along one axis, not a radius.
+// beyond the edge repeat the edge pixel. `ksize` is the number of taps along one axis, not a
+// radius.
 #ifndef TARVO_ENHANCE_GAUSSIAN_H_
 #define TARVO_ENHANCE_GAUSSIAN_H_
 

@@ -155,8 +155,8 @@ class CxImage {
 
   // Tone (cximage_tone.cc). These work on palette indices; the palette stays as it is.
 
-  /// Brightness and contrast: level i becomes (i - 128) * (contrast + 100) / 100 + brightness + 128,
-  /// rounded and clamped to 0..255. False on an empty image.
+  /// Brightness and contrast: level i becomes (i - 128) * (contrast + 100) / 100 + brightness +
+  /// 128, rounded and clamped to 0..255. False on an empty image.
   bool Light(std::int32_t brightness, std::int32_t contrast);
 
   /// Replaces each index by its entry in the 256-byte `table`. False on an empty image or null.
@@ -183,6 +183,8 @@ class CxImage {
   bool Dither(std::int64_t method);
 
  private:
+  template <typename IsWhite>
+  void DitherPoints(CxImage& result, IsWhite isWhite) const;
   void DitherThreshold(CxImage& result) const;
   void DitherOrderedFixed(CxImage& result) const;
   void DitherOrderedComputed(CxImage& result) const;
@@ -192,7 +194,8 @@ class CxImage {
     return x >= 0 && x < header.biWidth && y >= 0 && y < header.biHeight;
   }
 
-  /// Empties `temporary` into a new image like this one, of another size and depth.
+  /// Makes `temporary`, which must be empty, an image with this one's info and another size and
+  /// depth. False when it can't be made.
   bool CreateLike(CxImage& temporary, std::uint32_t width, std::uint32_t height,
                   std::uint32_t bpp) const;
 

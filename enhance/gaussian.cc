@@ -1,0 +1,94 @@
+#include "enhance/gaussian.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "enhance/lumo_math.h"
+
+namespace {
+
+/// The generators write taps for -ksize/2 to +ksize/2: one more than `ksize` when it is even.
+std::size_t tapsWritten(int ksize) { return 2 * static_cast<std::size_t>(ksize / 2) + 1; }
+
+void normalise(double* taps, std::int64_t count) {
+  double sum = 0.0;
+  for (std::int64_t i = 0; i < count; ++i) sum += taps[i];
+  for (std::int64_t i = 0; i < count; ++i) taps[i] /= sum;
+}
+
+std::uint8_t roundToByte(double sum) {
+  return static_cast<std::uint8_t>(my_round(static_cast<float>(sum)));
+}
+
+}  // namespace
+
+void generateGaussianKernel1D(int ksize, double sigma, double* kernel) {
+  const int half = ksize / 2;
+  const double norm = 1.0 / (static_cast<double>(my_sqrt(6.2831855f)) * sigma);
+  for (int i = -half; i <= half; ++i) {
+    const auto exponent = static_cast<float>((-0.5 * static_cast<double>(i * i)) / (sigma * sigma));
+    kernel[i + half] = norm * static_cast<double>(my_exp(exponent));
+  }
+  normalise(kernel, ksize);
+}
+
+LumoImage convolve1D(const LumoImage& src, const double* kernel, int ksize, bool horizontal) {
+  const int half = ksize / 2;
+  LumoImage result(src);
+  for (int y = 0; y < src.height; ++y) {
+    for (int x = 0; x < src.width; ++x) {
+      double sum = 0.0;
+      for (int k = -half; k <= half; ++k) {
+        const int xx = horizontal ? std::min(std::max(x + k, 0), src.width - 1) : x;
+        const int yy = horizontal ? y : std::min(std::max(y + k, 0), src.height - 1);
+        const std::uint8_t value = src.data[std::int64_t{yy} * src.width + xx];
+        sum = static_cast<double>(value) * kernel[k + half] + sum;
+      }
+      result.data[std::int64_t{y} * src.width + x] = roundToByte(sum);
+    }
+  }
+  return result;
+}
+
+LumoImage enh_gaussian_filter_fast(const LumoImage& src, int ksize, double sigma) {
+  std::vector<double> kernel(tapsWritten(ksize));
+  generateGaussianKernel1D(ksize, sigma, kernel.data());
+  return convolve1D(convolve1D(src, kernel.data(), ksize, true), kernel.data(), ksize, false);
+}
+
+void generateGaussianKernel(int ksize, double sigmaX, double sigmaY, double* kernel) {
+  const int half = ksize / 2;
+  const double norm = 1.0 / (6.283185307179586 * sigmaX * sigmaY);
+  for (int i = -half; i <= half; ++i) {
+    for (int j = -half; j <= half; ++j) {
+      const auto exponent =
+          static_cast<float>(static_cast<double>(-(j * j)) / (2.0 * sigmaX * sigmaX) -
+                             static_cast<double>(i * i) / (2.0 * sigmaY * sigmaY));
+      kernel[std::int64_t{i + half} * ksize + (j + half)] =
+          norm * static_cast<double>(my_exp(exponent));
+    }
+  }
+  normalise(kernel, std::int64_t{ksize} * ksize);
+}
+
+LumoImage enh_gaussian_filter(const LumoImage& src, int ksize, double sigmaX, double sigmaY) {
+  const int half = ksize / 2;
+  LumoImage result(src.width, src.height, LUMO_IMG_GRAY);
+  std::vector<double> kernel(tapsWritten(ksize) * tapsWritten(ksize));
+  generateGaussianKernel(ksize, sigmaX, sigmaY, kernel.data());
+  for (int y = 0; y < src.height; ++y) {
+    for (int x = 0; x < src.width; ++x) {
+      double sum = 0.0;
+      for (int ky = -half; ky <= half; ++ky) {
+        const std::int64_t yy = myClamp(y + ky, 0, src.height - 1);
+        const double* taps = kernel.data() + std::int64_t{ky + half} * ksize + half;
+        for (int kx = -half; kx <= half; ++kx) {
+          const int xx = myClamp(x + kx, 0, src.width - 1);
+          sum = static_cast<double>(src.data[yy * src.width + xx]) * taps[kx] + sum;
+        }
+      }
+      result.data[std::int64_t{y} * src.width + x] = roundToByte(sum);
+    }
+  }
+  return result;
+}

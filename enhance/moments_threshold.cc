@@ -1,0 +1,66 @@
+#include "enhance/moments_threshold.h"
+
+#include <array>
+#include <cmath>
+
+#include "enhance/lumo_math.h"
+
+namespace {
+
+constexpr int kNoRealSolution = 128;
+constexpr int kNoLevel = -1;
+
+using Histogram = std::array<float, 256>;
+
+/// Share of the pixels at each level.
+Histogram normalisedHistogram(const LumoImage& img) {
+  const std::int64_t pixels = std::int64_t{img.width} * img.height;
+  std::array<std::int64_t, 256> counts{};
+  for (std::int64_t i = 0; i < pixels; ++i) ++counts[img.data[i]];
+  Histogram shares;
+  for (std::size_t i = 0; i < shares.size(); ++i) {
+    shares[i] = static_cast<float>(counts[i]) / static_cast<float>(pixels);
+  }
+  return shares;
+}
+
+/// The first level at which the cumulative share exceeds `target`.
+int levelAbove(const Histogram& shares, float target) {
+  float cumulative = 0.0f;
+  for (int i = 0; i < 256; ++i) {
+    cumulative += shares[static_cast<std::size_t>(i)];
+    if (cumulative > target) return i;
+  }
+  return kNoLevel;
+}
+
+}  // namespace
+
+int thresh_global_moments(const LumoImage& img) {
+  const Histogram shares = normalisedHistogram(img);
+
+  const float m0 = 1.0f;
+  float m1 = 0.0f;
+  float m2 = 0.0f;
+  float m3 = 0.0f;
+  for (int i = 0; i < 256; ++i) {
+    const float share = shares[static_cast<std::size_t>(i)];
+    m1 += static_cast<float>(i) * share;
+    m2 += static_cast<float>(i * i) * share;
+    m3 += static_cast<float>(i * i * i) * share;
+  }
+
+  // The two levels z0 and z1 that keep the moments are the roots of z^2 + c1 z + c0.
+  const float cd = m0 * m2 - m1 * m1;
+  const float c0 = ((-m2) * m2 + m1 * m3) / cd;
+  const float c1 = (m0 * (-m3) + m2 * m1) / cd;
+  const auto discriminant =
+      static_cast<float>(static_cast<double>(c1 * c1) - 4.0 * static_cast<double>(c0));
+  // A uniform page makes it 0 / 0; one nearly so, infinite.
+  if (0.0f > discriminant || !std::isfinite(discriminant)) return kNoRealSolution;
+
+  const float root = my_sqrt(discriminant);
+  const float z0 = 0.5f * (-c1 - root);
+  const float z1 = 0.5f * (-c1 + root);
+  return levelAbove(shares, (z1 - m1) / (z1 - z0));
+}

@@ -1,7 +1,7 @@
 // The TSPL commands that set up the printer before each page's bitmap.
 //
-// Each function sends its lines, ended by "\r\n", through sPrinter. Keywords are looked for anywhere
-// in an option's text, with regard to case; the first match in the order given wins.
+// Each function sends its lines, ended by "\r\n", through sPrinter. Keywords are looked for
+// anywhere in an option's text, with regard to case; the first match in the order given wins.
 #ifndef TARVO_FILTER_SETUP_COMMANDS_H_
 #define TARVO_FILTER_SETUP_COMMANDS_H_
 

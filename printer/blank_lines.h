@@ -13,8 +13,8 @@ unsigned long tarvoImageCountBlankLinesFromFront(const unsigned char* data, unsi
                                                  unsigned long lines, unsigned long skipRight,
                                                  unsigned long stride);
 
-/// Quirk: blank-lines-from-back. Not the number of blank lines at the bottom but the number of lines
-/// from the top to the last line with ink, which is counted; 0 when all are blank.
+/// Quirk: blank-lines-from-back. Not the number of blank lines at the bottom but the number of
+/// lines from the top to the last line with ink, which is counted; 0 when all are blank.
 unsigned long tarvoImageCountBlankLinesFromBack(const unsigned char* data, unsigned long lineBytes,
                                                 unsigned long lines, unsigned long skipRight,
                                                 unsigned long stride);

@@ -155,6 +155,27 @@ class TarvoPrinter {
   std::uint64_t skipRightPixels_ = 0;  ///< bytes at the right that blank-line counting ignores
   UserData* userData_ = nullptr;       ///< not owned
   std::int32_t resolution_ = 300;      ///< dots per inch
+
+ private:
+  /// What blank-line counting found: lines; 0 where it is off.
+  struct BlankEdges {
+    unsigned long top;
+    unsigned long bottom;
+  };
+
+  // The steps of printImage.
+  BlankEdges MeasureBlankEdges(const unsigned char* data, unsigned long bytesPerLine,
+                               unsigned long height, unsigned long width) const;
+  void LogProcessedPage(const BlankEdges& blank, const unsigned char* result,
+                        unsigned long bytesPerLine, unsigned long height,
+                        unsigned long width) const;
+  void DumpImage(const char* pathTemplate, const char* announcement, const unsigned char* data,
+                 unsigned long bytesPerLine, unsigned long height, unsigned long width);
+  void PrintProcessedImage();
+
+  /// The tattoo halftones of PageProcess: the page in cximage_ becomes ditheredImage_ and the
+  /// current image. False when that image can't be made.
+  bool DitherForTattoo(int stride, int width, int height, unsigned char* out);
 };
 
 #endif  // TARVO_PRINTER_TARVO_PRINTER_H_

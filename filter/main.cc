@@ -1,0 +1,199 @@
+// rastertotarvo: a CUPS filter that prints raster pages on TSPL label and tattoo-stencil printers.
+//
+// main tells the road of a job: check the arguments, open the input, read the settings, send the
+// preamble, then for each page header, setup commands, pixels, print; then close everything.
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+#include "common/file.h"
+#include "common/log.h"
+#include "common/text.h"
+#include "filter/page_check.h"
+#include "filter/raster_input.h"
+#include "filter/settings.h"
+#include "filter/setup_commands.h"
+#include "filter/trace_file.h"
+#include "filter/tspl_printer.h"
+
+namespace {
+
+const char* const sVersion = "3.13.32";
+
+constexpr double kMillimetresPerInch = 25.4;
+
+/// Publishes the printer to the TSPL commands for as long as it lives.
+class PublishedPrinter {
+ public:
+  explicit PublishedPrinter(TarvoPrinter* printer) { sPrinter = printer; }
+  ~PublishedPrinter() { sPrinter = nullptr; }
+  PublishedPrinter(const PublishedPrinter&) = delete;
+  PublishedPrinter& operator=(const PublishedPrinter&) = delete;
+};
+
+/// The page buffer of the job, resized from page to page.
+class PageBuffer {
+ public:
+  ~PageBuffer() { std::free(bytes_); }
+  PageBuffer() = default;
+  PageBuffer(const PageBuffer&) = delete;
+  PageBuffer& operator=(const PageBuffer&) = delete;
+
+  bool resize(std::size_t size) {
+    void* resized = std::realloc(bytes_, size);
+    if (resized == nullptr) return false;
+    bytes_ = resized;
+    return true;
+  }
+  unsigned char* bytes() { return static_cast<unsigned char*>(bytes_); }
+
+ private:
+  void* bytes_ = nullptr;
+};
+
+void printUsage(const char* program) {
+  const char* name = tarvoPathGetBasename(program != nullptr ? program : "");
+  // Quirk: usage-spelling.
+  std::fprintf(stderr, "%s v%s\n\nUsage:\n\n    %s job_id user title copyies options [file]\n\n",
+               name, sVersion, name);
+}
+
+/// The recording file, added to the printer's streams; null when none was asked for or when it
+/// can't be created, which is no reason not to print.
+FileOwner attachRecording(TarvoPrinter& printer, const Settings& settings) {
+  const char* name = settings.FilterOutputFile;
+  if (name[0] == '\0') return nullptr;
+  FileOwner recording(std::fopen(name, "w"));
+  if (recording == nullptr) {
+    tarvoLogCommon(3, "Unable to create the output file: %s", name);
+    return nullptr;
+  }
+  tarvoLogCommon(0, "Filter data output to: %s", name);
+  printer.getOutputStreams().push_back(recording.get());
+  return recording;
+}
+
+bool isPaperSizeKnown(const Settings& settings) {
+  // Quirk: paper-size-text. The message speaks of 1.0, the test is against next to nothing.
+  const double least = 1e-6;
+  const auto width = static_cast<double>(settings.pageWidth);
+  const auto height = static_cast<double>(settings.pageHeight);
+  if (width > least && height > least) return true;
+  std::fprintf(stderr, "ERROR: Paper size must not less than 1.0 : (%f, %f)\n", width, height);
+  return false;
+}
+
+void sendPreamble(TarvoPrinter& printer) {
+  for (int i = 0; i < 64; ++i) printer.printByte('\n');
+}
+
+/// The size of the raster page replaces that of the PPD, which served the check only.
+void setPageSize(Settings& settings, const cups_page_header2_s& header) {
+  settings.pageWidth =
+      static_cast<float>(header.cupsWidth * kMillimetresPerInch / header.HWResolution[0]);
+  settings.pageHeight =
+      static_cast<float>(header.cupsHeight * kMillimetresPerInch / header.HWResolution[1]);
+  tarvoLogCommon(0, "pageWidth: %f,pageHeight: %f", static_cast<double>(settings.pageWidth),
+                 static_cast<double>(settings.pageHeight));
+}
+
+void configurePrinter(TarvoPrinter& printer, const Settings& settings,
+                      cups_page_header2_s& header) {
+  printer.setPageHeader(&header);
+  printer.setBrightness(settings.Brightness);
+  printer.setHalftoneType(settings.halftoneType);
+  printer.setMirrorPrint(settings.MirrorImage != 0);
+  printer.setNegativePrint(settings.NegativeImage != 0);
+}
+
+void logPage(int page, const cups_page_header2_s& header) {
+  const auto log = [](const char* name, unsigned value) {
+    tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
+  };
+  // Quirk: double-line-end. In the first two lines.
+  tarvoLogCommon(0, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
+  tarvoLogCommon(0, "header.HWResolution[0]:%d\n", static_cast<int>(header.HWResolution[0]));
+  log("HWResolution[1]", header.HWResolution[1]);
+  log("cupsWidth", header.cupsWidth);
+  log("cupsHeight", header.cupsHeight);
+  log("cupsMediaType", header.cupsMediaType);
+  log("cupsBitsPerColor", header.cupsBitsPerColor);
+  log("cupsBitsPerPixel", header.cupsBitsPerPixel);
+  log("cupsBytesPerLine", header.cupsBytesPerLine);
+  log("cupsColorOrder", header.cupsColorOrder);
+  log("cupsColorSpace", header.cupsColorSpace);
+  log("cupsCompression", header.cupsCompression);
+  log("cupsRowCount", header.cupsRowCount);
+  log("cupsRowFeed", header.cupsRowFeed);
+  log("cupsRowStep", header.cupsRowStep);
+}
+
+/// Prints page after page. Returns the exit status: 0 at the end of the input or at an empty page,
+/// 1 at a page that can't be printed.
+int printPages(RasterInput& input, TarvoPrinter& printer, Settings& settings) {
+  PageBuffer page;
+  cups_page_header2_s header{};  // the printer keeps its address
+  int pageCount = 0;
+  while (input.readHeader(header)) {
+    if (header.cupsBitsPerPixel != 8) {
+      tarvoLogCommon(3, "Unsupported bits per pixel : %d ! Requires 8 bits per pixel!",
+                     static_cast<int>(header.cupsBitsPerPixel));
+      return 1;
+    }
+    if (header.cupsHeight == 0 || header.cupsBytesPerLine == 0) return 0;
+    if (!isPrintablePage(header)) return 1;
+
+    writeTraceFile(header);
+    const std::uint32_t pageSize = header.cupsBytesPerLine * header.cupsHeight;
+    if (!page.resize(pageSize)) return 1;
+
+    setPageSize(settings, header);
+    jobSetup(settings);
+    configurePrinter(printer, settings, header);
+    setCls();
+    logPage(++pageCount, header);
+    if (input.readPixels(page.bytes(), pageSize)) {
+      printer.printImage(page.bytes(), header.cupsBytesPerLine, header.cupsHeight,
+                         header.cupsWidth);
+    }
+  }
+  return 0;
+}
+
+int printJob(RasterInput& input, const char* options) {
+  // Destroyed in reverse: the recording is closed before the printer, which writes nothing more.
+  const auto printer = std::make_unique<TsplPrinter>();
+  FileOwner recording;
+  const PublishedPrinter published(printer.get());
+
+  Settings settings{};
+  parseSettings(settings, options);
+  recording = attachRecording(*printer, settings);
+  if (!isPaperSizeKnown(settings)) return 1;
+  sendPreamble(*printer);
+  input.openRaster();
+  return printPages(input, *printer, settings);
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  if (argc < 6) {
+    printUsage(argc > 0 ? argv[0] : nullptr);
+    return 1;
+  }
+  RasterInput input;
+  if (argc > 6 && !input.openFile(argv[6])) {
+    // Quirk: unended-error. The text ends in a blank, without a line end.
+    std::fprintf(stderr, "ERROR: Unable to open raster file - ");
+    return 1;
+  }
+  try {
+    return printJob(input, argv[5]);
+  } catch (const std::bad_alloc&) {
+    tarvoLogCommon(3, "Out of memory!");
+    return 1;
+  }
+}

@@ -1,0 +1,27 @@
+// Every byte that is sent to the printer goes through these, to each stream in turn.
+#include <cstdarg>
+
+#include "printer/tarvo_printer.h"
+
+void TarvoPrinter::printBytes(const unsigned char* data, unsigned long length) {
+  for (std::FILE* stream : outputStreams_) std::fwrite(data, length, 1, stream);
+}
+
+void TarvoPrinter::printStr(const char* text) {
+  for (std::FILE* stream : outputStreams_) std::fprintf(stream, "%s", text);
+}
+
+void TarvoPrinter::printByte(unsigned char byte) {
+  for (std::FILE* stream : outputStreams_) std::fputc(byte, stream);
+}
+
+int TarvoPrinter::printFormat(const char* format, ...) {
+  int count = 0;
+  for (std::FILE* stream : outputStreams_) {
+    va_list arguments;
+    va_start(arguments, format);
+    count = std::vfprintf(stream, format, arguments);
+    va_end(arguments);
+  }
+  return count;
+}

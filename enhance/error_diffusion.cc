@@ -12,7 +12,7 @@ struct Tap {
   float weight;
 };
 
-/// Two taps are negative and about 6 per cent of the error is dropped, both deliberately.
+/// Quirk: dropped-error. Two taps are negative and the sum is 0.940002, both deliberately.
 constexpr Tap kTaps[] = {{1, 0, 0.505786f},  {2, 0, -0.052926f}, {-2, 1, 0.226194f},
                          {-1, 1, 0.128835f}, {0, 1, 0.243191f},  {1, 1, -0.111078f}};
 

@@ -49,8 +49,8 @@ LumoImage::LumoImage(const LumoImage& other)
 
 // Quirk: self-assignment. There is no test for it, deliberately: the old buffer is gone before its
 // bytes are copied.
-LumoImage& LumoImage::operator=(
-    const LumoImage& other) {  // NOLINT(bugprone-unhandled-self-assignment)
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
+LumoImage& LumoImage::operator=(const LumoImage& other) {
   width = other.width;
   height = other.height;
   channels = other.channels;

@@ -55,6 +55,7 @@ class PageBuffer {
 
 void printUsage(const char* program) {
   const char* name = tarvoPathGetBasename(program != nullptr ? program : "");
+  // Quirk: usage-spelling.
   std::fprintf(stderr, "%s v%s\n\nUsage:\n\n    %s job_id user title copyies options [file]\n\n",
                name, sVersion, name);
 }
@@ -111,7 +112,7 @@ void logPage(int page, const cups_page_header2_s& header) {
   const auto log = [](const char* name, unsigned value) {
     tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
   };
-  // The first two lines end twice: log readers know the blank lines as the start of a page.
+  // Quirk: double-line-end. In the first two lines.
   tarvoLogCommon(0, "PAGE: %d %d\n", page, static_cast<int>(header.NumCopies));
   tarvoLogCommon(0, "header.HWResolution[0]:%d\n", static_cast<int>(header.HWResolution[0]));
   log("HWResolution[1]", header.HWResolution[1]);

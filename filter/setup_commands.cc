@@ -27,7 +27,7 @@ void setGap(float gap, float offset, const char* paperType) {
   if (contains(paperType, "Normal")) {
     tarvoLogCommon(0, "Skip the GAP cmd by Normal paper type");
   } else if (contains(paperType, "Continue") || static_cast<double>(gap) <= 1e-6) {
-    sPrinter->printFormat("GAP 0, 0\r\n");
+    sPrinter->printFormat("GAP 0, 0\r\n");  // Quirk: gap-zero-first.
   } else if (contains(paperType, "LabelGaps")) {
     sendGap("GAP");
   } else if (contains(paperType, "LabelMark")) {
@@ -40,6 +40,7 @@ void setGap(float gap, float offset, const char* paperType) {
 void setReference() { sPrinter->printFormat("REFERENCE 0,0\r\n"); }
 
 void setDirection(const char* origin, int /*mirror*/) {
+  // Quirk: direction-unmirrored.
   sPrinter->printFormat("DIRECTION %d,0\r\n", contains(origin, "Rotation180") ? 1 : 0);
 }
 
@@ -74,7 +75,7 @@ void setPostAction(const char* postAction) {
     send("ON", "OFF", "OFF");
   } else if (contains(postAction, "PeelOff")) {
     send("OFF", "ON", "OFF");
-  } else if (contains(postAction, "Cut")) {  // "PartialCut" too
+  } else if (contains(postAction, "Cut")) {  // Quirk: partial-cut.
     send("OFF", "OFF", "ON");
   }
 }

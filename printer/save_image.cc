@@ -13,6 +13,7 @@
 namespace {
 
 constexpr std::size_t kHeaderBytes = 54;
+constexpr std::size_t kGrayPaletteBytes = 1024;
 
 /// Dumps that this process has begun, those whose file could not be created included.
 std::int64_t page_index = 0;
@@ -51,7 +52,7 @@ void write(std::FILE* file, std::span<const unsigned char> bytes) {
 }
 
 void writeGrayPalette(std::FILE* file) {
-  std::array<unsigned char, 256 * 4> palette{};
+  std::array<unsigned char, kGrayPaletteBytes> palette{};
   for (std::size_t i = 0; i < 256; ++i) {
     std::fill_n(&palette[i * 4], 3, static_cast<unsigned char>(i));
   }

@@ -1,0 +1,136 @@
+// tsplview: checks a stream of TSPL commands, lists it, and draws its pages.
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <vector>
+
+#include "tspl/label.h"
+#include "tspl/picture.h"
+#include "tspl/reader.h"
+#include "tsplview/arguments.h"
+#include "tsplview/report.h"
+
+namespace {
+
+constexpr int kGood = 0;
+constexpr int kMalformed = 1;
+constexpr int kTrouble = 2;
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+int Complain(const std::string& what, const std::string& why) {
+  std::fprintf(stderr, "tsplview: %s: %s\n", what.c_str(), why.c_str());
+  return kTrouble;
+}
+
+// All of `in`; false, with errno set, when reading it fails.
+bool ReadWhole(std::FILE* in, std::vector<std::uint8_t>& bytes) {
+  constexpr std::size_t kChunk = 1 << 20;
+  for (;;) {
+    const std::size_t before = bytes.size();
+    bytes.resize(before + kChunk);
+    const std::size_t got = std::fread(bytes.data() + before, 1, kChunk, in);
+    bytes.resize(before + got);
+    if (got < kChunk) return std::ferror(in) == 0;
+  }
+}
+
+int ReadStream(const std::string& name, std::vector<std::uint8_t>& bytes) {
+  if (name == "-") {
+    return ReadWhole(stdin, bytes) ? kGood : Complain("standard input", std::strerror(errno));
+  }
+  const File file(std::fopen(name.c_str(), "rb"));
+  if (!file || !ReadWhole(file.get(), bytes)) return Complain(name, std::strerror(errno));
+  return kGood;
+}
+
+void List(const tspl::Stream& stream) {
+  std::size_t next_page = 0;
+  const tspl::Page* page = nullptr;
+  for (const tspl::Command& command : stream.commands) {
+    if (command.kind == tspl::Kind::kSize) page = &stream.pages[next_page++];
+    std::puts(tsplview::CommandLine(command, page).c_str());
+  }
+}
+
+void Summarise(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
+  if (stream.pages.empty()) std::puts("no pages");
+  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
+    const tspl::Page& page = stream.pages[i];
+    const tspl::Command& last = stream.commands[page.first_command + page.command_count - 1];
+    const std::string line =
+        tsplview::PageLine(page, last, tspl::MeasureLabel(page, arguments.dpi));
+    std::printf("page %zu: %s\n", i + 1, line.c_str());
+  }
+}
+
+// A picture that could not be finished is removed: half a picture would pass for a whole one.
+int DrawPage(const tspl::Page& page, const tspl::Label& label, const std::string& path) {
+  File file(std::fopen(path.c_str(), "wb"));
+  if (!file) return Complain(path, std::strerror(errno));
+  std::string error = tspl::WritePicture(page, label, file.get());
+  if (std::fclose(file.release()) != 0 && error.empty()) error = std::strerror(errno);
+  if (error.empty()) return kGood;
+  std::remove(path.c_str());
+  return Complain(path, error);
+}
+
+int Draw(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
+  const std::filesystem::path folder(*arguments.png);
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) return Complain(folder.string(), error.message());
+  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
+    const tspl::Page& page = stream.pages[i];
+    const std::optional<tspl::Label> label = tspl::MeasureLabel(page, arguments.dpi);
+    if (!label) continue;
+    const std::string file = arguments.name + "-" + std::to_string(i + 1) + ".png";
+    const int status = DrawPage(page, *label, (folder / file).string());
+    if (status != kGood) return status;
+  }
+  return kGood;
+}
+
+int Run(const tsplview::Arguments& arguments) {
+  std::vector<std::uint8_t> bytes;
+  if (const int status = ReadStream(arguments.file, bytes); status != kGood) return status;
+  const tspl::Stream stream = tspl::Read(bytes);
+
+  if (arguments.list) {
+    List(stream);
+  } else if (!stream.malformed) {
+    Summarise(stream, arguments);
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    return Complain("standard output", "not all of it could be written");
+  }
+
+  if (stream.malformed) {
+    const tspl::Malformed& wrong = *stream.malformed;
+    std::fprintf(stderr, "tsplview: %s: byte %llu: expected %s, found %s\n", arguments.file.c_str(),
+                 static_cast<unsigned long long>(wrong.offset), wrong.expected.c_str(),
+                 wrong.found.c_str());
+    return kMalformed;
+  }
+  return arguments.png ? Draw(stream, arguments) : kGood;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    tsplview::Arguments arguments;
+    if (const auto status = tsplview::ParseArguments(argc, argv, arguments)) return *status;
+    return Run(arguments);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tsplview: %s\n", error.what());
+    return kTrouble;
+  }
+}

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace jobs {
 
@@ -32,7 +33,7 @@ support::Program FilterJob::program(const std::string& options) const {
   return program;
 }
 
-Run FilterJob::run(const std::string& raster, const std::string& options, Source source) const {
+JobRun FilterJob::run(const std::string& raster, const std::string& options, Source source) const {
   support::Program job = program(options);
   if (source == Source::FileArgument) {
     support::writeFile(folder_ / "job.ras", raster);
@@ -44,7 +45,7 @@ Run FilterJob::run(const std::string& raster, const std::string& options, Source
   return run(std::move(job));
 }
 
-Run FilterJob::run(support::Program program) const {
+support::Outcome FilterJob::runAlone(support::Program program) const {
   std::tm now = moment();
   std::map<std::string, std::optional<std::string>> environment = {
       {"LD_PRELOAD", TARVO_REDIRECT},
@@ -56,9 +57,12 @@ Run FilterJob::run(support::Program program) const {
       {"PPD", std::filesystem::exists(ppd()) ? std::optional(ppd().string()) : std::nullopt}};
   program.environment.merge(environment);  // what the test has set stays
   if (program.workingFolder.empty()) program.workingFolder = work();
+  return support::run(program);
+}
 
-  Run run;
-  run.outcome = support::run(program);
+JobRun FilterJob::run(support::Program program) const {
+  JobRun run;
+  run.outcome = runAlone(std::move(program));
   for (const std::string& name : support::namesIn(spool())) {
     run.dumps.emplace_back(name, *support::readFile(spool() / name));
   }

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::uint64_t kMebibyte = 1 << 20;
 
-constexpr std::size_t kBufferBytes = 1 << 16;
+constexpr std::size_t kBufferBytes = 1 << 14;
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 

@@ -1,6 +1,5 @@
 // tsplprinter: a label printer that is not there.
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 

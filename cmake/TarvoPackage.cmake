@@ -31,7 +31,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "cups, cups-filters")
 # Tidies the pages that are left in the temporary folder; printing does without.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "systemd | systemd-tmpfiles")
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/package/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/package/prerm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "printer driver for TSPL label and tattoo-stencil printers")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION

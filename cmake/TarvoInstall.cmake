@@ -1,6 +1,7 @@
 # Where things are installed, and the rules for it: one line beside the target.
 #
 #   tarvo_install_filter(TARGET)      CUPS's filter folder, and man/TARGET.8
+#   tarvo_install_filter_scripts(FILE...)   CUPS's filter folder
 #   tarvo_install_tool(TARGET)        the programs' folder, and man/TARGET.1
 #   tarvo_install_cups_data(FOLDER FILE...)   a folder of CUPS's data: drv, mime, ...
 #
@@ -63,6 +64,10 @@ endfunction()
 function(tarvo_install_filter target)
   install(TARGETS ${target} RUNTIME DESTINATION ${TARVO_FILTER_DESTINATION})
   tarvo_install_manual(${target}.8)
+endfunction()
+
+function(tarvo_install_filter_scripts)
+  install(PROGRAMS ${ARGN} DESTINATION ${TARVO_FILTER_DESTINATION})
 endfunction()
 
 function(tarvo_install_tool target)

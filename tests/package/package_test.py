@@ -32,6 +32,7 @@ def expect(truth, message):
 
 def run(*command, **options):
     """Runs a command, which has to succeed, and returns what it wrote."""
+    expect(shutil.which(command[0]), f"{command[0]} is missing: tools/install-deps test")
     result = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                             check=False, **options)
     expect(result.returncode == 0, f"{' '.join(command)}: status {result.returncode}\n{result.stdout}")

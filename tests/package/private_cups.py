@@ -29,7 +29,7 @@ class PrivateCups:
             ["cupsd", "-f", "-c", self._path("etc/cupsd.conf"), "-s", self._path("etc/files.conf")],
             env=self._environment())
         for _ in range(200):
-            if os.path.exists(self.socket) and self._try("lpstat", "-r").returncode == 0:
+            if "is running" in self._try("lpstat", "-r").stdout:
                 return self
             time.sleep(0.05)
         self.__exit__()

@@ -1,4 +1,5 @@
 """A print server with folders of its own, which finds our programs in an unpacked package."""
+import grp
 import os
 import shutil
 import signal
@@ -111,7 +112,7 @@ class PrivateCups:
 
     def _configure(self):
         folder = self.folder
-        group = "root" if os.geteuid() == 0 else str(os.getegid())
+        group = grp.getgrgid(os.getegid()).gr_name
         with open(self._path("etc/files.conf"), "w", encoding="utf-8") as file:
             file.write(f"""ServerRoot {folder}/etc
 ServerBin {folder}/bin

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <memory>
-#include <new>
 
 #include "common/file.h"
 #include "common/log.h"
@@ -202,8 +202,8 @@ int main(int argc, char* argv[]) {
   }
   try {
     return printJob(input, argv[5]);
-  } catch (const std::bad_alloc&) {
-    tarvoLogCommon(3, "Out of memory!");
+  } catch (const std::exception& failure) {  // no memory, a length that none could have
+    tarvoLogCommon(3, "Unable to go on: %s", failure.what());
     return 1;
   }
 }

@@ -14,7 +14,7 @@ std::int32_t product32(std::uint32_t a, std::uint32_t b) {
   return static_cast<std::int32_t>(a * b);
 }
 
-LumoImage ditherForTattoo(DitherType type, LumoImage& source) {
+LumoImage tattooHalftone(DitherType type, LumoImage& source) {
   return type == Tattoo_X8 ? lumoTattooDitheringX8(source) : lumoTattooDithering(source);
 }
 
@@ -52,7 +52,7 @@ long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* dat
   }
 
   if (useLumoDithering_) {
-    if (!DitherForTattoo(stride, width, height, out)) return 0;
+    if (!ditherForTattoo(stride, width, height, out)) return 0;
   } else {
     cximage_.Dither(halftoneType);
     cximage_.IncreaseBpp(8);
@@ -84,14 +84,14 @@ long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* dat
   return length;
 }
 
-bool TarvoPrinter::DitherForTattoo(int stride, int width, int height, unsigned char* out) {
+bool TarvoPrinter::ditherForTattoo(int stride, int width, int height, unsigned char* out) {
   copyPixels(cximage_, out, width, height, stride);
   tarvoLogCommon(0,
                  "PageProcess: Copied pixels to the output buffer for Lumo dithering, with stride "
                  "%d, EffWidth %d",
                  stride, static_cast<int>(cximage_.GetEffWidth()));
   LumoImage source(width, height, LUMO_IMG_GRAY, out);
-  const LumoImage result = ditherForTattoo(halftoneType_, source);
+  const LumoImage result = tattooHalftone(halftoneType_, source);
   tarvoLogCommon(0, "PageProcess: Applied Lumo dithering with stride %d, width %d",
                  static_cast<int>((std::int64_t{result.width} + 3) / 4 * 4), width);
 

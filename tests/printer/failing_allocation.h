@@ -1,0 +1,14 @@
+// Makes one large zero-filled block fail to be had. The linker leads calls of calloc here (--wrap).
+#ifndef TARVO_TESTS_PRINTER_FAILING_ALLOCATION_H_
+#define TARVO_TESTS_PRINTER_FAILING_ALLOCATION_H_
+
+/// While it lives, the `nth` call of calloc for 64 KiB or more, counted from 1, gives null.
+class FailingAllocation {
+ public:
+  explicit FailingAllocation(int nth);
+  ~FailingAllocation();
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+};
+
+#endif  // TARVO_TESTS_PRINTER_FAILING_ALLOCATION_H_

@@ -20,7 +20,7 @@ from private_cups import PrivateCups  # noqa: E402
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAME = "printer-driver-tarvo"
 FILTERS = ["rastertotarvo"]
-TOOLS = ["tsplview"]
+TOOLS = ["tsplprinter", "tsplview"]
 MIME = []
 MODELS = ["tarvo-label-203dpi.ppd", "tarvo-label-300dpi.ppd", "tarvo-stencil-a4-300dpi.ppd"]
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "reference/gray.h"
+
+namespace reference {
+
+/// The two-piece gamma curve as a table: levels below `pivot` bend by `gamma_low`, the others by
+/// `gamma_high`; each entry is cut, not rounded, to its low byte. An entry whose power is not a
+/// number (pivot 255, level 255) is the pivot itself.
+std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gamma_low, float gamma_high);
+
+/// Every pixel of `image` through the table.
+Gray piecewiseGamma(const Gray& image, int pivot, float gamma_low, float gamma_high);
+
+}  // namespace reference

@@ -185,6 +185,9 @@ int printJob(RasterInput& input, const char* options) {
 
 int main(int argc, char* argv[]) {
   tarvoCatchTermination();
+  // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
+  // written in pieces can swallow another filter's, or be torn by it.
+  std::setvbuf(stderr, nullptr, _IOLBF, 4096);
   if (argc < 6) {
     printUsage(argc > 0 ? argv[0] : nullptr);
     return 1;

@@ -50,10 +50,11 @@ def free_port():
 class Spooler:
     """Started, used and stopped in a with statement.
 
-    filters: scripts that stand in for ours, by name.
+    filters: scripts that stand in for ours, by name. error_policy and kill_delay (seconds from
+    cancelling to killing) as in cupsd.conf.
     """
 
-    def __init__(self, filters=None, error_policy="abort-job"):
+    def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
         self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
         self._daemon = None
         self._guardian = subprocess.Popen(
@@ -62,7 +63,7 @@ class Spooler:
         try:
             self.port = free_port()
             self._lay_out(filters or {})
-            self._configure(error_policy)
+            self._configure(error_policy, kill_delay)
             self._start()
         except BaseException:
             self.stop()
@@ -124,7 +125,7 @@ class Spooler:
             shutil.copy(program, target)
         os.chmod(target, 0o755)
 
-    def _configure(self, error_policy):
+    def _configure(self, error_policy, kill_delay):
         root = self.folder
         group = "root" if os.geteuid() == 0 else subprocess.run(
             ["id", "-gn"], text=True, capture_output=True, check=True).stdout.strip()
@@ -157,7 +158,7 @@ WebInterface No
 DirtyCleanInterval 0
 PreserveJobFiles Yes
 JobRetryInterval 2
-JobKillDelay 3
+JobKillDelay {kill_delay}
 ErrorPolicy {error_policy}
 <Location />
   Order allow,deny

@@ -58,6 +58,21 @@ class Test(SpoolerCase):
         self.assertLess(len(left.jobs), JOBS / 2)
         self.assertEqual(sorted(self.labels(left) + self.labels(right)), list(range(1, JOBS + 1)))
 
+    # The other computer knows of no Tarvo: CUPS asks the shared class what it takes.
+    def test_a_class_is_shared_with_another_computer(self):
+        there = self.spooler
+        here = self.start_spooler()
+        here.run("lpadmin", "-p", "shipping", "-E", "-m", "everywhere",
+                 "-v", f"ipp://127.0.0.1:{there.port}/classes/shipping")
+        number = here.print("shipping", documents.pdf(self.path("label.pdf"), 40, 30,
+                                                      documents.box(5, 5, 20, 10)))
+        self.assertEqual(here.wait(number)["state"], "completed")
+        left, right = self.printers
+        self.assertTrue(any(printer.wait(lambda p: p.jobs, 3) for printer in self.printers))
+        page, = stream.pages((left.jobs + right.jobs)[0])
+        self.assertEqual((page.width, page.height), (320, 240))
+        self.assert_box(page, 40, 40, 160, 80)
+
     # A label fits the connection's buffers: CUPS has handed it over whole before it is printed, and
     # a raw connection does not say whether it was. That one may be lost, and no other.
     def test_one_of_the_two_is_switched_off_within_a_label(self):

@@ -2,6 +2,9 @@
 //
 // main tells the road of a job: check the arguments, open the input, read the settings, send the
 // preamble, then for each page header, setup commands, pixels, print; then close everything.
+//
+// SIGTERM, with which the spooler cancels, is the end of the input: whoever reads pages finds none,
+// and the road ends as after the last page. What was begun before is sent whole.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +14,7 @@
 
 #include "common/file.h"
 #include "common/log.h"
+#include "common/termination.h"
 #include "common/text.h"
 #include "filter/page_check.h"
 #include "filter/raster_input.h"
@@ -190,6 +194,10 @@ int printJob(RasterInput& input, const char* options) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoCatchTermination();
+  // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
+  // written in pieces can swallow another filter's, or be torn by it.
+  std::setvbuf(stderr, nullptr, _IOLBF, 4096);
   if (argc < 6) {
     printUsage(argc > 0 ? argv[0] : nullptr);
     return 1;

@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "common/termination.h"
+
 TarvoPrinter* sPrinter = nullptr;
 
 namespace {
@@ -21,6 +23,9 @@ void packRow(const unsigned char* row, unsigned long width, unsigned char* packe
 
 int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPerLine*/,
                               unsigned long height, unsigned long width) {
+  // A cancelled job does not begin what takes long, and prints nothing more. In between it does not
+  // stop: a printer that waits for the rest of a bitmap would take the next job for dots.
+  if (tarvoIsTerminated()) return 0;
   const unsigned long packedBytes = (width + 7) / 8;
   setBitmapCmdHead(0, 0, static_cast<int>(packedBytes), static_cast<int>(height), 0);
   std::vector<unsigned char> packed(packedBytes);
@@ -32,6 +37,7 @@ int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPe
     printBytes(packed.data(), packedBytes);
   }
   printStr("\r\n");
+  if (tarvoIsTerminated()) return 0;
   return setPrint(1, static_cast<int>(getPageHeader()->NumCopies));
 }
 

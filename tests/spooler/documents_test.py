@@ -14,8 +14,8 @@ MM203 = 203 / 25.4
 # Keeps what the filter gets, and prints with the filter.
 RECORDING = """#!/bin/sh
 printf %s "$5" >{folder}/options
-tee {folder}/raster | LD_PRELOAD={preload} TARVO_TEST_FOLDER={folder} \\
-  ASAN_OPTIONS=verify_asan_link_order=0 {filter} "$@"
+tee {folder}/raster | LD_PRELOAD=$CUPS_SERVERBIN/ours/redirect.so TARVO_TEST_FOLDER={folder} \\
+  ASAN_OPTIONS=verify_asan_link_order=0 "$CUPS_SERVERBIN/ours/rastertotarvo" "$@"
 """
 
 
@@ -94,8 +94,7 @@ class Test(SpoolerCase):
                     self.assertEqual(self.spooler.page_log(self.number), [("total", str(pages * 3))])
 
     def test_the_bytes_are_those_of_the_filter(self):
-        self.start_spooler(filters={"rastertotarvo": RECORDING.format(
-            folder=self.folder, preload=PRELOAD, filter=f"{BUILD}/filter/rastertotarvo")})
+        self.start_spooler(filters={"rastertotarvo": RECORDING.format(folder=self.folder)})
         os.chmod(self.folder, 0o777)
         os.mkdir(self.path("spool"), 0o777)
         os.chmod(self.path("spool"), 0o777)
@@ -117,7 +116,7 @@ class Test(SpoolerCase):
                         env=dict(os.environ, PPD=self.spooler.path("etc/ppd/label.ppd"),
                                  LD_PRELOAD=PRELOAD, TARVO_TEST_FOLDER=self.folder,
                                  ASAN_OPTIONS="verify_asan_link_order=0"))
-                self.assertEqual(printer.jobs[-1] == own.stdout, True)
+                self.assertTrue(printer.jobs[-1] == own.stdout, "the bytes differ")
                 self.assertGreater(len(own.stdout), 2 * 102 * 1218)
 
     def test_options_of_the_job_and_of_the_queue_reach_the_filter(self):

@@ -40,6 +40,12 @@ class Printer:
     def __exit__(self, *_):
         self.stop()
 
+    def finish(self):
+        """Ends the job that it is at, if any, and is gone."""
+        self._listener.shutdown(socket.SHUT_RDWR)
+        self._thread.join(60)
+        self._listener.close()
+
     def stop(self):
         """Gone, in the middle of a job too."""
         self._stopped = True

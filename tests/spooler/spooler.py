@@ -25,10 +25,13 @@ FILTERS = {"imagetopicture": f"{SOURCE}/align/imagetopicture",
 PRELOAD = f"{BUILD}/tests/support/libtarvo_test_redirect.so"
 
 # A filter whose dumps of the pages and trace file land in the test's folder. The process is the
-# filter's, with its signals and descriptors.
+# filter's, with its signals and descriptors. It runs a copy: the user of the filters may not see
+# into the folder of the sources.
 KEEPING_DUMPS = """#!/bin/sh
-LD_PRELOAD={preload} TARVO_TEST_FOLDER={dumps} ASAN_OPTIONS=verify_asan_link_order=0 \\
-  exec {filter} "$@"
+ours=$CUPS_SERVERBIN/ours
+export LD_PRELOAD="$ours/redirect.so" TARVO_TEST_FOLDER={dumps} \\
+  ASAN_OPTIONS=verify_asan_link_order=0
+exec "$ours/{name}" "$@"
 """
 
 FINAL_STATES = ("completed", "canceled", "aborted", "stopped")
@@ -50,10 +53,11 @@ def free_port():
 class Spooler:
     """Started, used and stopped in a with statement.
 
-    filters: scripts that stand in for ours, by name.
+    filters: scripts that stand in for ours, by name. error_policy and kill_delay (seconds from
+    cancelling to killing) as in cupsd.conf.
     """
 
-    def __init__(self, filters=None, error_policy="abort-job"):
+    def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
         self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
         self._daemon = None
         self._guardian = subprocess.Popen(
@@ -62,7 +66,7 @@ class Spooler:
         try:
             self.port = free_port()
             self._lay_out(filters or {})
-            self._configure(error_policy)
+            self._configure(error_policy, kill_delay)
             self._start()
         except BaseException:
             self.stop()
@@ -92,7 +96,7 @@ class Spooler:
 
     def _lay_out(self, stand_ins):
         os.chmod(self.folder, 0o755)  # filters of a root cupsd are started as lp
-        for name in ("etc/ppd", "etc/ssl", "bin/filter", "data/drv", "data/mime", "cache",
+        for name in ("etc/ppd", "etc/ssl", "bin/filter", "bin/ours", "data/drv", "data/mime", "cache",
                      "run/certs", "spool/tmp", "log", "home", "dumps/spool"):
             os.makedirs(self.path(name))
         for name in ("dumps", "dumps/spool"):
@@ -104,9 +108,11 @@ class Spooler:
         for entry in glob.glob(f"{server}/filter/*"):
             if os.path.basename(entry) not in FILTERS:
                 os.symlink(entry, self.path("bin/filter/" + os.path.basename(entry)))
+        shutil.copy(PRELOAD, self.path("bin/ours/redirect.so"))
         for name, original in FILTERS.items():
-            self.install_filter(name, stand_ins.get(name) or KEEPING_DUMPS.format(
-                preload=PRELOAD, dumps=self.path("dumps"), filter=original))
+            shutil.copy(original, self.path("bin/ours/" + name))
+            self._install_filter(name, stand_ins.get(name) or
+                                 KEEPING_DUMPS.format(dumps=self.path("dumps"), name=name))
         for entry in glob.glob(f"{data}/*"):
             if os.path.basename(entry) not in ("drv", "mime"):
                 os.symlink(entry, self.path("data/" + os.path.basename(entry)))
@@ -114,17 +120,13 @@ class Spooler:
             shutil.copy(entry, self.path("data/mime/" + os.path.basename(entry)))
         shutil.copy(f"{SOURCE}/ppd/tarvo.drv", self.path("data/drv/tarvo.drv"))
 
-    def install_filter(self, name, program):
-        """A program, or the text of a script, where this CUPS looks for its filters."""
+    def _install_filter(self, name, script):
         target = self.path("bin/filter/" + name)
-        if program.startswith("#!"):
-            with open(target, "w", encoding="utf-8") as file:
-                file.write(program)
-        else:
-            shutil.copy(program, target)
+        with open(target, "w", encoding="utf-8") as file:
+            file.write(script)
         os.chmod(target, 0o755)
 
-    def _configure(self, error_policy):
+    def _configure(self, error_policy, kill_delay):
         root = self.folder
         group = "root" if os.geteuid() == 0 else subprocess.run(
             ["id", "-gn"], text=True, capture_output=True, check=True).stdout.strip()
@@ -157,7 +159,7 @@ WebInterface No
 DirtyCleanInterval 0
 PreserveJobFiles Yes
 JobRetryInterval 2
-JobKillDelay 3
+JobKillDelay {kill_delay}
 ErrorPolicy {error_policy}
 <Location />
   Order allow,deny

@@ -31,11 +31,12 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "cups, cups-filters")
 # Tidies the pages that are left in the temporary folder; printing does without.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "systemd | systemd-tmpfiles")
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/package/prerm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/package/postinst ${PROJECT_SOURCE_DIR}/package/prerm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "printer driver for TSPL label and tattoo-stencil printers")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"A CUPS filter and the models for thermal label printers (4 inch, 203 and
+"CUPS filters and the models for thermal label printers (4 inch, 203 and
 300 dpi) and A4 stencil printers that take TSPL commands.
 
 Ten halftones turn a page into dots, from a plain threshold for barcodes to

@@ -19,9 +19,10 @@ from private_cups import PrivateCups  # noqa: E402
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAME = "printer-driver-tarvo"
-FILTERS = ["rastertotarvo"]
+FILTERS = ["rastertoaligned", "rastertotarvo"]
+SCRIPTS = ["imagetopicture", "picturetolayout"]
 TOOLS = ["tsplprinter", "tsplview"]
-MIME = []
+MIME = ["tarvo.convs", "tarvo.types"]
 MODELS = ["tarvo-label-203dpi.ppd", "tarvo-label-300dpi.ppd", "tarvo-stencil-a4-300dpi.ppd"]
 
 
@@ -98,6 +99,8 @@ def expected_files():
     for name in FILTERS:
         files[f"usr/lib/cups/filter/{name}"] = 0o755
         files[f"usr/share/man/man8/{name}.8.gz"] = 0o644
+    for name in SCRIPTS:
+        files[f"usr/lib/cups/filter/{name}"] = 0o755
     for name in TOOLS:
         files[f"usr/bin/{name}"] = 0o755
         files[f"usr/share/man/man1/{name}.1.gz"] = 0o644
@@ -255,7 +258,7 @@ def follows_prefix_and_destdir(build, folder):
     for prefix, found in trees.items():
         below = prefix.strip("/")
         expected = {f"{datadir}/drv/tarvo.drv", f"{below}/lib/tmpfiles.d/tarvo.conf"}
-        expected |= {f"{serverbin}/filter/{name}" for name in FILTERS}
+        expected |= {f"{serverbin}/filter/{name}" for name in FILTERS + SCRIPTS}
         expected |= {f"{below}/share/man/man8/{name}.8" for name in FILTERS}
         expected |= {f"{below}/bin/{name}" for name in TOOLS}
         expected |= {f"{below}/share/man/man1/{name}.1" for name in TOOLS}

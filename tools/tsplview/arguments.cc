@@ -44,8 +44,8 @@ Exit status:
   2  wrong usage, or a file that cannot be read or written
 
 Examples:
-  tsplview out/label.tspl
-  tsplview --list --png pictures out/label.tspl
+  tsplview out/shipping-label.tspl
+  tsplview --list --png pictures out/shipping-label.tspl
   rastertotarvo 1 me title 1 "" page.ras | tsplview -)";
 
 std::string BaseNameWithoutExtension(const std::string& file) {

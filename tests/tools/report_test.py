@@ -42,6 +42,8 @@ E [21/Nov/2026:07:00:02 +0000] [Job 8] Job stopped due to filter errors; please 
 I [21/Nov/2026:07:00:03 +0000] [Job 9] Queued on "other" by "zacharias".
 E [21/Nov/2026:07:00:03 +0000] [Job 9] nobody's business
 E [21/Nov/2026:07:00:04 +0000] [Client 4] Returning IPP client-error-document-format-not-supported for Send-Document (ipp://localhost:631/printers/label) from desk4.example
+E [21/Nov/2026:07:00:04 +0000] label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory
+E [21/Nov/2026:07:00:04 +0000] other: File "nobody's business" not available: No such file or directory
 E [21/Nov/2026:07:00:04 +0000] [Client 5] Returning IPP client-error-not-found for Send-Document (ipp://localhost:631/printers/label2) from desk4.example
 """
 SECRETS = ("gretchen\"", "by gretchen", "hans", "zacharias", "Acme", "Offer", "hunter2", "bob", "4711",
@@ -96,8 +98,9 @@ class ReportTest(unittest.TestCase):
             "[Job 7] Unsupported bits per pixel : 1 ! Requires 8 bits per pixel!",
             "[Job 8] Job stopped due to filter errors; please consult the log.",
             "[Client 4] Returning IPP client-error-document-format-not-supported for Send-Document "
-            "(ipp://localhost:631/printers/label) from (hidden)"])
-        self.assertIn("the log: 9 lines about the queue", said)
+            "(ipp://localhost:631/printers/label) from (hidden)",
+            'label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory'])
+        self.assertIn("the log: 10 lines about the queue", said)
 
     def test_nothing_secret_is_anywhere_in_the_report(self):
         said, report = self.report("label")
@@ -108,8 +111,9 @@ class ReportTest(unittest.TestCase):
 
     def test_only_the_last_lines_of_the_log_are_taken(self):
         _, report = self.report("--lines", "2", "label")
-        self.assertEqual(["Job 8" in line or "Client 4" in line
-                          for line in self.section(report, "Log")], [True, True])
+        self.assertEqual([word in line for word, line in
+                          zip(("[Client 4]", "label: File"), self.section(report, "Log"))], [True] * 2)
+        self.assertEqual(len(self.section(report, "Log")), 2)
 
     def test_the_newest_recording_is_listed_and_long_lists_are_cut(self):
         for name in ("tarvo-20261121070000.bin", "tarvo-20261121065959.bin", "tarvo.bin"):

@@ -43,7 +43,8 @@ Ten halftones turn a page into dots, from a plain threshold for barcodes to
 a sharpening chain for stencils. The same page gives the same dots on every
 machine.
 
-tsplview lists the commands of a recorded job and draws its labels, and
-tsplprinter is a printer that is not there.")
+tsplview lists the commands of a recorded job and draws its labels,
+tsplprinter is a printer that is not there, and tarvo-report gathers what a
+bug report needs.")
 
 include(CPack)

@@ -19,7 +19,7 @@ case "$*" in
 esac
 """
 LPOPTIONS = """#!/bin/sh
-[ "$2" = label ] || { echo "lpoptions: Unknown printer or class." >&2; exit 1; }
+[ "$2" = label ] || { echo "lpoptions: Unable to get PPD file." >&2; exit 0; }
 echo "PaperType/Paper: *LabelGaps LabelMark Continue Normal"
 """
 TSPLVIEW = """#!/bin/sh

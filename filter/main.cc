@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 
@@ -112,6 +113,15 @@ void configurePrinter(TarvoPrinter& printer, const Settings& settings,
   printer.setNegativePrint(settings.NegativeImage != 0);
 }
 
+/// The bits of an enumeration that the input filled: they need not be one of its values.
+template <typename Enumeration>
+unsigned bitsOf(const Enumeration& field) {
+  unsigned bits = 0;
+  static_assert(sizeof field == sizeof bits);
+  std::memcpy(&bits, &field, sizeof bits);
+  return bits;
+}
+
 void logPage(int page, const cups_page_header2_s& header) {
   const auto log = [](const char* name, unsigned value) {
     tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
@@ -126,8 +136,8 @@ void logPage(int page, const cups_page_header2_s& header) {
   log("cupsBitsPerColor", header.cupsBitsPerColor);
   log("cupsBitsPerPixel", header.cupsBitsPerPixel);
   log("cupsBytesPerLine", header.cupsBytesPerLine);
-  log("cupsColorOrder", header.cupsColorOrder);
-  log("cupsColorSpace", header.cupsColorSpace);
+  log("cupsColorOrder", bitsOf(header.cupsColorOrder));
+  log("cupsColorSpace", bitsOf(header.cupsColorSpace));
   log("cupsCompression", header.cupsCompression);
   log("cupsRowCount", header.cupsRowCount);
   log("cupsRowFeed", header.cupsRowFeed);

@@ -162,22 +162,6 @@ TEST(Create, PaletteAndRowsAreZeroWhateverTheMemoryHeld) {
   }
 }
 
-TEST(Create, ProductThatWrapsPassesTheTestAndFindsNoMemoryIsKept) {
-  const struct {
-    std::uint32_t width, height, bpp;
-  } kCases[] = {
-      {65536, 65537, 8},  // 2^32 + 65536 pixels count as 65536, and 65536 x 8 does not wrap
-      {65537, 65536, 24},
-  };
-  for (const auto& c : kCases) {
-    CxImage image;
-    EXPECT_EQ(image.Create(c.width, c.height, c.bpp, 0), nullptr)
-        << c.width << " x " << c.height << " x " << c.bpp;
-    EXPECT_FALSE(image.IsValid());
-    EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
-  }
-}
-
 TEST(Create, PixelCountTimesDepthBeyond32BitsFails) {
   const struct {
     std::uint32_t width, height, bpp;

@@ -80,6 +80,8 @@ TEST(BadInput, RandomHeadersNeverCrashAndLeaveWholeCommands) {
     const JobRun run = job.run(raster);
     EXPECT_EQ(run.outcome.signal, 0) << i << ": " << run.outcome.ending() << "\n"
                                      << run.outcome.error;
+    EXPECT_EQ(run.outcome.error.find("runtime error"), std::string::npos) << run.outcome.error;
+    EXPECT_EQ(run.outcome.error.find("Sanitizer: "), std::string::npos) << run.outcome.error;
     EXPECT_TRUE(run.outcome.status == 0 || run.outcome.status == 1) << run.outcome.ending();
     EXPECT_EQ(support::commandsOf(run.outcome.output).fault, "") << i;
   }

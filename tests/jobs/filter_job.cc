@@ -52,8 +52,9 @@ support::Outcome FilterJob::runAlone(support::Program program) const {
       {"TARVO_TEST_FOLDER", folder_.path().string()},
       {"TARVO_TEST_TIME", std::to_string(::timegm(&now))},
       {"TZ", "UTC"},
-      // The preloaded library comes before the sanitizer's, which would refuse to start.
-      {"ASAN_OPTIONS", "verify_asan_link_order=0"},
+      // The preloaded library comes before the sanitizer's, which would refuse to start; and memory
+      // that can't be had is the filter's to handle.
+      {"ASAN_OPTIONS", "verify_asan_link_order=0:allocator_may_return_null=1"},
       {"PPD", std::filesystem::exists(ppd()) ? std::optional(ppd().string()) : std::nullopt}};
   program.environment.merge(environment);  // what the test has set stays
   if (program.workingFolder.empty()) program.workingFolder = work();

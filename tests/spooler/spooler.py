@@ -50,6 +50,28 @@ def free_port():
         return probe.getsockname()[1]
 
 
+def start_guardian(folder):
+    """Sees to it that the folder goes, and what was started in it, however this process ends."""
+    guardian = subprocess.Popen(
+        [sys.executable, "-B", os.path.join(os.path.dirname(__file__), "guardian.py"), folder],
+        stdin=subprocess.PIPE)
+    guardian.wait()  # it works on in the background
+    return guardian.stdin
+
+
+def guard(folder):
+    """A guardian for a folder. Returns what ends it, and the folder."""
+    pipe = start_guardian(folder)
+
+    def end():
+        pipe.close()
+        limit = time.monotonic() + 10
+        while os.path.exists(folder) and time.monotonic() < limit:
+            time.sleep(0.02)
+
+    return end
+
+
 class Spooler:
     """Started, used and stopped in a with statement.
 
@@ -60,9 +82,7 @@ class Spooler:
     def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
         self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
         self._daemon = None
-        self._guardian = subprocess.Popen(
-            [sys.executable, os.path.join(os.path.dirname(__file__), "guardian.py"), self.folder],
-            stdin=subprocess.PIPE)
+        self._guardian = start_guardian(self.folder)
         try:
             self.port = free_port()
             self._lay_out(filters or {})
@@ -83,8 +103,7 @@ class Spooler:
             self._daemon.terminate()
             self._daemon.wait(10)
             self._daemon = None
-        self._guardian.stdin.close()
-        self._guardian.wait()
+        self._guardian.close()
         limit = time.monotonic() + 10
         while os.path.exists(self.folder) and time.monotonic() < limit:
             time.sleep(0.02)
@@ -183,8 +202,8 @@ ErrorPolicy {error_policy}
                 ["cupsd", "-f", "-c", self.path("etc/cupsd.conf"), "-s",
                  self.path("etc/cups-files.conf")],
                 stdin=subprocess.DEVNULL, stdout=console, stderr=console)
-        self._guardian.stdin.write(f"{self._daemon.pid}\n".encode())
-        self._guardian.stdin.flush()
+        self._guardian.write(f"{self._daemon.pid}\n".encode())
+        self._guardian.flush()
         limit = time.monotonic() + 10
         while time.monotonic() < limit:
             if self._daemon.poll() is not None:

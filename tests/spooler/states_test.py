@@ -148,9 +148,8 @@ class Test(SpoolerCase):
     def test_nothing_is_left_behind(self):
         spooler = self.start_spooler()
         daemon, folder = spooler._daemon.pid, spooler.folder
-        spooler._guardian.stdin.close()  # as the system does when the test is killed
+        spooler._guardian.close()  # as the system does when the test is killed
         spooler._daemon.wait(10)
-        spooler._guardian.wait()
         for _ in range(500):
             if not os.path.exists(folder):
                 break

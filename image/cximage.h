@@ -183,11 +183,8 @@ class CxImage {
   bool Dither(std::int64_t method);
 
  private:
-  template <typename IsWhite>
-  void DitherPoints(CxImage& result, IsWhite isWhite) const;
-  void DitherThreshold(CxImage& result) const;
-  void DitherOrderedFixed(CxImage& result) const;
-  void DitherOrderedComputed(CxImage& result) const;
+  /// Sets the pixels of `result` whose level is above their entry in the 4x4 `thresholds`.
+  void DitherPoints(const std::uint8_t* thresholds, CxImage& result) const;
   void DitherErrorDiffusion(std::int64_t method, CxImage& result);
 
   bool Contains(std::int64_t x, std::int64_t y) const {

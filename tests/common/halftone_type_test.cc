@@ -10,10 +10,9 @@ struct NamedType {
 };
 
 constexpr NamedType kTypes[] = {
-    {0, "None"},       {1, "FloydSteinberg"}, {2, "Ordered"},
-    {3, "Burkes"},     {4, "Stucki"},         {5, "JarvisJudiceNinke"},
-    {6, "Sierra"},     {7, "StevensonArce"},  {8, "Tattoo"},
-    {9, "Tattoo_X8"},
+    {0, "None"},   {1, "FloydSteinberg"},    {2, "Ordered"}, {3, "Burkes"},
+    {4, "Stucki"}, {5, "JarvisJudiceNinke"}, {6, "Sierra"},  {7, "StevensonArce"},
+    {8, "Tattoo"}, {9, "Tattoo_X8"},
 };
 
 TEST(HalftoneType, EachValueHasItsName) {
@@ -29,8 +28,8 @@ TEST(HalftoneType, ValueBeyondTheTableIsNone) {
 }
 
 TEST(HalftoneType, NamesMatchWholeAndWithCase) {
-  for (const char* name : {"", "none", "floydsteinberg", "TATTOO", "Tatto", "Tattoo_X", "Tattoo_X80",
-                           " Tattoo", "Tattoo "}) {
+  for (const char* name : {"", "none", "floydsteinberg", "TATTOO", "Tatto", "Tattoo_X",
+                           "Tattoo_X80", " Tattoo", "Tattoo "}) {
     EXPECT_EQ(tarvoHalftoneTypeFromStr(name), None) << '"' << name << '"';
   }
 }

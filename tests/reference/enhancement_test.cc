@@ -158,9 +158,38 @@ TEST(SixTapDiffusion, AWhitePixelBesideBlackOnesPassesMoreOn) {
   EXPECT_EQ(out.at(1, 1), 255);
   EXPECT_EQ(out.at(2, 1), 255);
 
-  Gray top(3, 3);
-  top.at(1, 0) = 200;
-  EXPECT_EQ(sixTapDiffusion(top, 8).at(2, 0), 0);
+  Gray first_row(3, 3);
+  first_row.at(1, 0) = 200;
+  EXPECT_EQ(sixTapDiffusion(first_row, 8).at(2, 0), 0);
+
+  Gray last_row(3, 2);
+  last_row.at(1, 1) = 200;
+  EXPECT_EQ(sixTapDiffusion(last_row, 8).at(2, 1), 0);
+}
+
+TEST(SixTapDiffusion, EachTapHasItsWeight) {
+  // Black pixels only. Row 0 holds 100, 0, 0 and keeps the errors 100, 50.579 and
+  // -100 x 0.052926 + 50.579 x 0.505786 = 20.289. Row 1 then receives, with each pixel's own error
+  // passed to the right,
+  //   (0, 1): 100 x 0.243191 + 50.579 x 0.128835 + 20.289 x 0.226194 = 35.425
+  //   (1, 1): -100 x 0.111078 + 50.579 x 0.243191 + 20.289 x 0.128835 + 35.425 x 0.505786 = 21.724
+  //   (2, 1): -50.579 x 0.111078 + 20.289 x 0.243191 - 35.425 x 0.052926 + 21.724 x 0.505786
+  //   = 8.429
+  struct Case {
+    int x;
+    int y;
+    std::uint8_t black;
+    std::uint8_t white;
+  };
+  const Case cases[] = {{2, 0, 79, 80}, {0, 1, 64, 65}, {1, 1, 78, 79}, {2, 1, 91, 92}};
+  for (const Case& c : cases) {
+    Gray image(3, 2);
+    image.at(0, 0) = 100;
+    image.at(c.x, c.y) = c.black;
+    EXPECT_EQ(sixTapDiffusion(image, 100).at(c.x, c.y), 0) << c.x << ", " << c.y;
+    image.at(c.x, c.y) = c.white;
+    EXPECT_EQ(sixTapDiffusion(image, 100).at(c.x, c.y), 255) << c.x << ", " << c.y;
+  }
 }
 
 TEST(SixTapDiffusion, AThresholdOf255LeavesAPlainImageBlack) {
@@ -181,6 +210,19 @@ TEST(Tattoo, LineArtEnds) {
     EXPECT_EQ(result.width, 16);
     EXPECT_EQ(result.height, 8);
   }
+}
+
+TEST(Tattoo, TheThresholdIsThatOfThePageBeforeItsTonesChange) {
+  Gray page(32, 32);
+  for (std::size_t i = 0; i < page.px.size(); ++i) {
+    page.px[i] = static_cast<std::uint8_t>(i * i / 4096);
+  }
+  const int threshold = momentsThreshold(page);
+  const Gray fixed_pivot = piecewiseGamma(page, 64, 0.85F, 0.7F);
+  const Gray own_pivot = piecewiseGamma(page, threshold, 0.5F, 1.5F);
+  ASSERT_NE(momentsThreshold(fixed_pivot), threshold);
+  EXPECT_EQ(tattoo(page), sixTapDiffusion(unsharpMask(fixed_pivot, 300.0F, 11), threshold));
+  EXPECT_EQ(tattooX8(page), sixTapDiffusion(unsharpMask(own_pivot, 300.0F, 11), threshold));
 }
 
 TEST(Tattoo, AnImageWithoutPixelsComesBack) {

@@ -238,6 +238,9 @@ TEST(Job, TattooRowsOfLongLinesRunAskew) {
   std::fill(page.pixels.begin() + 8, page.pixels.end(), std::uint8_t{0});
   job.pages = {page};
   EXPECT_EQ(long_lines.stream, run(job).stream);
+  // The labels of two values of this line are exchanged.
+  EXPECT_THAT(long_lines.log,
+              Contains(HasSubstr("address: %ADDR, width: 16, height: 2, bytes per line: 8, ")));
   EXPECT_THAT(long_lines.log, Contains("DEBUG:PageProcess: Copied pixels to the output buffer for "
                                        "Lumo dithering, with stride 16, EffWidth 8"));
 }

@@ -34,7 +34,8 @@ struct Job {
   /// The effective choice of each option, by its keyword; absent: no such option.
   std::map<std::string, std::string> choices;
 
-  /// The marked paper size in points, 0 x 0: not known to the PPD.
+  /// The marked paper size in points. 0 x 0: not known to the PPD, unless pageEdges is given (a
+  /// PPD's own size without dimensions is known, and 0 x 0).
   float pageWidthPoints = 0;
   float pageLengthPoints = 0;
 

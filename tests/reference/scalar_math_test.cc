@@ -19,15 +19,15 @@ TEST(ScalarMath, SquareRootHasItsWorkedValues) {
 }
 
 TEST(ScalarMath, TheGuessBeforeTheLastStepIsReturned) {
-  // From 1: (1 + 2 / 1) / 2 = 1.5, 1.4166667, 1.4142157, 1.4142135; the last step changes less than
-  // 1e-6 only from 1.4142135 on, or the guess before it would be 1.4142157.
-  float guess = 1.0F;
-  float next = 0.5F * (guess + 2.0F / guess);
-  while (std::fabs(next - guess) >= 1e-6F) {
-    guess = next;
-    next = 0.5F * (guess + 2.0F / guess);
-  }
-  EXPECT_EQ(my_sqrt(2.0F), guess);
+  // 0.125, 1.0625, 0.6489, 0.5171, 0.50028, 0.50000006, 0.5: the last step changes less than 1e-6.
+  EXPECT_EQ(my_sqrt(0.25F), 0.50000006F);
+  // -0.6, -1.79525, -1.45959, -1.38892, -1.386298, -1.38629448, -1.38629436.
+  EXPECT_EQ(my_ln(0.25F), -1.38629448F);
+}
+
+TEST(ScalarMath, TheLogarithmsStepDividesByItsArgument) {
+  // Divided by the power instead, the steps would end at -0.693147182, the nearest float.
+  EXPECT_EQ(my_ln(0.5F), -0.693147242F);
 }
 
 TEST(ScalarMath, WhatIsNotANumberEndsTheIterations) {

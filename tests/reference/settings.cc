@@ -33,7 +33,9 @@ float millimetres(float points) { return static_cast<float>(static_cast<double>(
 
 void readPageSize(const Job& job, Settings& settings, Log& log) {
   log.line(0, "PageSizeName: %s", choiceText(job, "PageSize").c_str());
-  if (job.pageWidthPoints == 0 && job.pageLengthPoints == 0) return;
+  const bool known =
+      job.pageWidthPoints != 0 || job.pageLengthPoints != 0 || job.pageEdges.has_value();
+  if (!known) return;
 
   const Margins edges =
       job.pageEdges.value_or(Margins{0, 0, job.pageWidthPoints, job.pageLengthPoints});

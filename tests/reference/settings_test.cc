@@ -63,6 +63,17 @@ TEST(Settings, AFourBySixInchPageInMillimetres) {
             "(288.000000,432.000000,9.000000,10.000000,279.000000,422.000000)");
 }
 
+TEST(Settings, ASizeWithoutDimensionsIsKnownAndEmpty) {
+  Job job;
+  job.choices = {{"PageSize", "Odd"}};
+  job.pageEdges = Margins{};
+  Log log;
+  EXPECT_EQ(parseSettings(job, log).page_width, 0);
+  EXPECT_EQ(log.lines()[1],
+            "DEBUG:Custom Size: (0.000000,0.000000,0.000000,0.000000,0.000000,0.000000)");
+  EXPECT_EQ(log.lines()[2], "DEBUG:Set page size: width 0.000000 mm, height 0.000000 mm");
+}
+
 TEST(Settings, TextsAreCutToFortyCharacters) {
   Job job;
   job.choices = {{"Origin", std::string(39, 'a') + "bcd"}};

@@ -62,22 +62,24 @@ TEST(Label, ItsResolutionIsTheOneThatMakesSizeOutOfTheDots) {
   }
 }
 
-// Square pages of every side, whose SIZE is a single-precision number with one decimal: no dot of a
-// page may lie beyond its label.
+// Square pages, whose SIZE is a single-precision number with one decimal, small ones and such where
+// that precision shows: no dot of a page may lie beyond its label.
 TEST(Label, HoldsEveryDotOfItsPage) {
-  const std::vector<std::uint8_t> data(10000);
+  const std::vector<std::uint8_t> data(1);
+  std::vector<std::uint32_t> sides;
+  for (std::uint32_t dots = 1; dots <= 5000; ++dots) sides.push_back(dots);
+  for (std::uint32_t dots = 10000000; dots <= 10001000; ++dots) sides.push_back(dots);
   for (const int dpi : {203, 300, 600}) {
-    for (std::uint32_t dots = 1; dots <= 5000; ++dots) {
+    for (const std::uint32_t dots : sides) {
+      const auto side_mm = static_cast<float>(dots * 25.4 / dpi);
       char size[32];
-      std::snprintf(
-          size, sizeof size, "%.1f",
-          static_cast<double>(static_cast<float>(static_cast<double>(dots) * 25.4 / dpi)));
-      const std::string text = size;
-      const std::int64_t tenths =
-          std::stoll(text.substr(0, text.size() - 2)) * 10 + text.back() - '0';
+      std::snprintf(size, sizeof size, "%.1f", static_cast<double>(side_mm));
+      std::string digits = size;
+      digits.erase(digits.size() - 2, 1);
+      const std::int64_t tenths = std::stoll(digits);
       const std::uint32_t bytes = (dots + 7) / 8;
-      const tspl::Page page = PageOf(tenths, tenths, bytes, dots, data);
-      const auto label = tspl::MeasureLabel(page, std::nullopt);
+      const auto label =
+          tspl::MeasureLabel(PageOf(tenths, tenths, bytes, dots, data), std::nullopt);
       ASSERT_TRUE(label);
       ASSERT_EQ(label->dpi_x, label->dpi_y) << dots << " dots at " << dpi << " dpi";
       ASSERT_GE(label->width_dots, dots) << dots << " dots at " << dpi << " dpi";

@@ -1,6 +1,7 @@
 // One small good stream of two pages, damaged in every way that a loop can.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 #include <set>
 #include <string>
@@ -113,6 +114,53 @@ TEST(DamagedStream, IsMalformedWithTwoCommandsInEachOthersPlace) {
       std::vector<std::string> swapped = page;
       std::swap(swapped[a], swapped[b]);
       EXPECT_FALSE(IsGood(kPreamble + Join(swapped))) << page[a] << page[b];
+    }
+  }
+}
+
+// What may follow each command. Every command is put behind every other one.
+TEST(DamagedStream, IsMalformedWithACommandBehindOneThatItDoesNotFollow) {
+  const std::map<std::string, std::set<std::string>> followers = {
+      {"(preamble)", {"SIZE"}},
+      {"SIZE", {"GAP", "BLINE", "REFERENCE"}},
+      {"GAP", {"REFERENCE"}},
+      {"BLINE", {"REFERENCE"}},
+      {"REFERENCE", {"DIRECTION"}},
+      {"DIRECTION", {"SPEED", "DENSITY", "SET RIBBON", "OFFSET"}},
+      {"SPEED", {"DENSITY", "SET RIBBON", "OFFSET"}},
+      {"DENSITY", {"SET RIBBON", "OFFSET"}},
+      {"SET RIBBON", {"OFFSET"}},
+      {"OFFSET", {"SET TEAR", "CLS"}},
+      {"SET TEAR", {"SET PEEL"}},
+      {"SET PEEL", {"SET CUTTER"}},
+      {"SET CUTTER", {"CLS"}},
+      {"CLS", {"BITMAP", "SIZE"}},
+      {"BITMAP", {"PRINT"}},
+      {"PRINT", {"SIZE"}},
+  };
+  std::map<std::string, std::string> lines = {{"BLINE", "BLINE 3.0 mm, 0.0 mm\r\n"}};
+  for (const std::string& line : FullPage()) {
+    for (const auto& [name, ignored] : followers) {
+      if (line.starts_with(name)) lines[name] = line;
+    }
+  }
+  ASSERT_EQ(lines.size(), 15U);
+
+  // A good stream that ends with each command.
+  std::map<std::string, std::string> streams = {{"(preamble)", kPreamble}};
+  std::string bytes = kPreamble;
+  for (const std::string& line : FullPage()) {
+    bytes += line;
+    for (const auto& [name, ignored] : followers) {
+      if (line.starts_with(name)) streams[name] = bytes;
+    }
+  }
+  streams["BLINE"] = streams["SIZE"] + lines["BLINE"];
+
+  for (const auto& [last, allowed] : followers) {
+    ASSERT_TRUE(IsGood(streams[last])) << last;
+    for (const auto& [next, line] : lines) {
+      EXPECT_EQ(IsGood(streams[last] + line), allowed.contains(next)) << next << " behind " << last;
     }
   }
 }

@@ -69,7 +69,7 @@ std::optional<Label> MeasureLabel(const Page& page, std::optional<int> dpi) {
   square.push_back(std::round(ComputedDpi(x)));
   for (const double both : square) {
     const std::optional<double> fit = FittingDots(x, both);
-    if (both > 0 && fit && FittingDots(y, both)) return Label{both, both, Dots(*fit), Dots(height)};
+    if (fit && FittingDots(y, both)) return Label{both, both, Dots(*fit), Dots(height)};
   }
   const double dpi_x = OwnDpi(x);
   const double dpi_y = OwnDpi(y);

@@ -107,6 +107,7 @@ void OnWarning(png_structp, png_const_charp) {}
 
 // libpng leaves this function by a jump when it fails, so nothing in it may need a destructor.
 bool WriteAll(png_structp png, png_infop info, const Label& label, Painter& painter) {
+  // NOLINTNEXTLINE(cert-err52-cpp): a C library knows no other way out.
   if (setjmp(png_jmpbuf(png))) return false;
   const auto width = static_cast<png_uint_32>(painter.layout().width);
   const auto height = static_cast<png_uint_32>(painter.layout().height);

@@ -1,0 +1,383 @@
+// Turning, mirroring, margins and lines.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "test_image.h"
+
+namespace {
+
+constexpr tagRGBQUAD kWhite = rgb(255, 255, 255);
+
+std::uint16_t depthOf(CxImage& image) {
+  switch (image.GetNumColors()) {
+    case 2:
+      return 1;
+    case 16:
+      return 4;
+    case 256:
+      return 8;
+    default:
+      return 24;
+  }
+}
+
+TEST(Rotate180, TurnsRowsAndColumns) {
+  IndexedImage image(8, {{1, 2, 3}, {4, 5, 6}});
+  EXPECT_TRUE(image.Rotate180(nullptr));
+  EXPECT_EQ(levelsOf(image), (Levels{{6, 5, 4}, {3, 2, 1}}));
+}
+
+TEST(Rotate180, TwiceRestoresAn8BitImage) {
+  for (int width = 1; width <= 9; ++width) {
+    for (int height = 1; height <= 4; ++height) {
+      IndexedImage image(8, noiseLevels(width, height, 1));
+      image.SetPaletteColor(3, 1, 2, 3, 4);
+      const std::vector<int> before = blockBytes(image);
+      EXPECT_TRUE(image.Rotate180(nullptr));
+      EXPECT_TRUE(image.Rotate180(nullptr));
+      EXPECT_EQ(blockBytes(image), before) << width << " x " << height;
+    }
+  }
+}
+
+TEST(Rotate180, WithADestinationLeavesTheSource) {
+  IndexedImage image(8, {{1, 2, 3}, {4, 5, 6}});
+  image.SetPaletteColor(3, 1, 2, 3, 4);
+  const std::vector<int> before = blockBytes(image);
+  IndexedImage destination(8, {{9}});
+  EXPECT_TRUE(image.Rotate180(&destination));
+  EXPECT_EQ(levelsOf(destination), (Levels{{6, 5, 4}, {3, 2, 1}}));
+  EXPECT_EQ(destination.GetPaletteColor(3), rgb(1, 2, 3, 4));
+  EXPECT_EQ(blockBytes(image), before);
+}
+
+TEST(Rotate180, OntoItselfIsInPlace) {
+  IndexedImage image(8, {{1, 2}, {3, 4}});
+  EXPECT_TRUE(image.Rotate180(&image));
+  EXPECT_EQ(levelsOf(image), (Levels{{4, 3}, {2, 1}}));
+}
+
+TEST(Rotate180, OfAnEmptyImageFailsAndLeavesTheDestination) {
+  CxImage image;
+  EXPECT_FALSE(image.Rotate180(nullptr));
+  IndexedImage destination(8, {{9}});
+  EXPECT_FALSE(image.Rotate180(&destination));
+  EXPECT_EQ(levelsOf(destination), (Levels{{9}}));
+}
+
+TEST(Rotate180, ResultAlwaysHas8BitsIsKept) {
+  for (std::uint32_t bpp : {1u, 4u}) {
+    IndexedImage image(bpp, {{1, 0, 0}, {1, 1, 0}});
+    image.SetPaletteColor(1, 10, 20, 30, 40);
+    EXPECT_TRUE(image.Rotate180(nullptr));
+    EXPECT_EQ(image.GetNumColors(), 256u);
+    EXPECT_EQ(levelsOf(image), (Levels{{0, 1, 1}, {0, 0, 1}}));
+    EXPECT_EQ(image.GetPaletteColor(1), rgb(10, 20, 30, 40));
+    EXPECT_EQ(image.GetPaletteColor(16), rgb(0, 0, 0));
+  }
+  const std::uint8_t array[] = {1, 2, 3, 4, 5, 6};
+  CxImage colours;  // its pixels read as index 0
+  ASSERT_TRUE(colours.CreateFromArray(array, 2, 1, 24, 6, false));
+  EXPECT_TRUE(colours.Rotate180(nullptr));
+  EXPECT_EQ(levelsOf(colours), (Levels{{0, 0}}));
+}
+
+TEST(Mirror, ReversesTheWidthBytesOfEachRowAndNoPadding) {
+  for (int width = 1; width <= 9; ++width) {
+    Levels levels = noiseLevels(width, 3, 2);
+    IndexedImage image(8, levels);
+    image.SetPaletteColor(5, 1, 2, 3, 4);
+    const std::uint32_t stride = image.GetEffWidth();
+    for (std::uint32_t y = 0; y < 3; ++y) {
+      std::fill(image.GetBits(y) + width, image.GetBits(y) + stride, std::uint8_t{0xEE});
+    }
+
+    image.Mirror();
+
+    for (std::uint32_t y = 0; y < 3; ++y) {
+      std::vector<int> expected(levels[y].rbegin(), levels[y].rend());
+      expected.resize(stride, 0);
+      EXPECT_EQ(rowBytes(image, y), expected) << "width " << width;
+    }
+    EXPECT_EQ(image.GetPaletteColor(5), rgb(1, 2, 3, 4));
+  }
+}
+
+TEST(Mirror, OfAnEmptyImageDoesNothing) {
+  CxImage image;
+  image.Mirror();
+  EXPECT_FALSE(image.IsValid());
+}
+
+// The rows of the 8-bit result are shorter than 24-bit rows and longer than 1- and 4-bit rows: the
+// sanitizers watch that nothing outside the blocks is touched.
+TEST(Mirror, AtOtherDepthsStaysInsideItsBlocks) {
+  for (std::uint32_t bpp : {1u, 4u, 24u}) {
+    for (std::uint32_t width = 1; width <= 70; ++width) {
+      CxImage image;
+      image.Create(width, 2, bpp, 0);
+      image.Mirror();
+      ASSERT_TRUE(image.IsValid());
+      EXPECT_EQ(depthOf(image), 8);
+      EXPECT_EQ(image.GetWidth(), width);
+      EXPECT_EQ(image.GetHeight(), 2u);
+      EXPECT_EQ(image.GetSize(), 40 + 1024 + 2 * image.GetEffWidth());
+    }
+  }
+}
+
+TEST(Expand, PutsTheBottomMarginFirst) {
+  IndexedImage image(8, {{1, 2}, {3, 4}});
+  EXPECT_TRUE(image.Expand(1, 1, 2, 3, rgb(7, 7, 7)));  // left, top, right, bottom
+  EXPECT_EQ(levelsOf(image), (Levels{
+                                 {7, 7, 7, 7, 7},
+                                 {7, 7, 7, 7, 7},
+                                 {7, 7, 7, 7, 7},
+                                 {7, 1, 2, 7, 7},
+                                 {7, 3, 4, 7, 7},
+                                 {7, 7, 7, 7, 7},
+                             }));
+}
+
+TEST(Expand, TenByTenBecomesFifteenByFifteen) {
+  // Width 10 + 2 + 3, height 10 + 1 + 4; the source at x 2..11 and y 4..13.
+  for (std::uint32_t bpp : {1u, 4u, 8u}) {
+    const Levels source = noiseLevels(10, 10, 3, 2);
+    IndexedImage image(bpp, source);
+    EXPECT_TRUE(image.Expand(2, 1, 3, 4, kWhite));
+    const int white = static_cast<int>(image.GetNumColors()) - 1;
+    Levels expected = uniformLevels(15, 15, white);
+    for (std::size_t y = 0; y < 10; ++y) {
+      std::copy(source[y].begin(), source[y].end(), expected[y + 4].begin() + 2);
+    }
+    EXPECT_EQ(levelsOf(image), expected) << bpp << " bits";
+  }
+}
+
+TEST(Expand, FillsThePaddingOf8BitRowsToo) {
+  IndexedImage image(8, {{1}});
+  EXPECT_TRUE(image.Expand(1, 0, 0, 0, kWhite));
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{255, 1, 255, 255}));
+}
+
+TEST(Expand, WithoutMarginsIsAnIdenticalCopy) {
+  for (std::uint32_t bpp : {1u, 4u, 8u, 24u}) {
+    IndexedImage image(bpp, noiseLevels(8, 3, 4));
+    const std::vector<int> before = blockBytes(image);
+    EXPECT_TRUE(image.Expand(0, 0, 0, 0, kWhite));
+    EXPECT_EQ(blockBytes(image), before) << bpp;
+  }
+}
+
+TEST(Expand, CanvasIsTheNearestPaletteEntry) {
+  // 200 is 0 + 200 from black and 55 from white.
+  for (std::uint32_t bpp : {1u, 4u, 8u}) {
+    IndexedImage image(bpp, {{0}});
+    image.SetPaletteColor(1, 200, 0, 0, 0);
+    EXPECT_TRUE(image.Expand(0, 0, 1, 0, rgb(190, 5, 5)));
+    EXPECT_EQ(levelsOf(image), (Levels{{0, 1}})) << bpp;
+    EXPECT_EQ(image.GetPaletteColor(1), rgb(200, 0, 0)) << bpp;
+  }
+}
+
+TEST(Expand, At24BitsWritesTheColourItself) {
+  const std::uint8_t array[] = {1, 2, 3, 4, 5, 6};
+  CxImage image;
+  ASSERT_TRUE(image.CreateFromArray(array, 2, 1, 24, 6, false));
+  EXPECT_TRUE(image.Expand(1, 1, 1, 0, rgb(70, 80, 90)));
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{90, 80, 70, 1, 2, 3, 4, 5, 6, 90, 80, 70}));
+  EXPECT_EQ(rowBytes(image, 1), (std::vector<int>{90, 80, 70, 90, 80, 70, 90, 80, 70, 90, 80, 70}));
+}
+
+TEST(Expand, NegativeMarginFailsAndLeavesTheImage) {
+  const struct {
+    std::int64_t left, top, right, bottom;
+  } kCases[] = {{-1, 0, 0, 0}, {0, -1, 0, 0}, {0, 0, -1, 0},
+                {0, 0, 0, -1}, {5, 5, 5, -1}, {std::numeric_limits<std::int64_t>::min(), 0, 0, 0}};
+  for (const auto& c : kCases) {
+    IndexedImage image(8, {{1, 2}, {3, 4}});
+    const std::vector<int> before = blockBytes(image);
+    EXPECT_FALSE(image.Expand(c.left, c.top, c.right, c.bottom, kWhite));
+    EXPECT_EQ(blockBytes(image), before);
+    EXPECT_STREQ(image.GetLastError(), "");
+  }
+}
+
+TEST(Expand, OfAnEmptyImageFails) {
+  CxImage image;
+  EXPECT_FALSE(image.Expand(1, 1, 1, 1, kWhite));
+  EXPECT_FALSE(image.IsValid());
+}
+
+TEST(Expand, TooLargeFailsWithTheReasonAndLeavesTheImage) {
+  // 65536 x 8192 x 8 = 2^32
+  IndexedImage image(8, {{1, 2}, {3, 4}});
+  const std::vector<int> before = blockBytes(image);
+  EXPECT_FALSE(image.Expand(65534, 8190, 0, 0, kWhite));
+  EXPECT_EQ(blockBytes(image), before);
+  EXPECT_STREQ(image.GetLastError(), "CXIMAGE_MAX_MEMORY exceeded");
+}
+
+TEST(Expand, WithoutMemoryFailsWithTheReasonAndLeavesTheImage) {
+  IndexedImage image(8, {{1, 2}, {3, 4}});
+  const std::vector<int> before = blockBytes(image);
+  bool done = true;
+  {
+    const MemoryIsShort guard;
+    done = image.Expand(10000, 10000, 0, 0, kWhite);
+  }
+  EXPECT_FALSE(done);
+  EXPECT_EQ(blockBytes(image), before);
+  EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
+}
+
+// The new width is 2 again when it is cut to 32 bits, but the old rows would go 2^32 bytes away.
+TEST(Expand, MarginBeyond32BitsFails) {
+  const std::int64_t kFar = std::int64_t{1} << 32;
+  const struct {
+    std::int64_t left, top, right, bottom;
+  } kCases[] = {{kFar, 0, 0, 0}, {0, kFar, 0, 0}, {0, 0, kFar, 0}, {0, 0, 0, kFar}};
+  for (const auto& c : kCases) {
+    IndexedImage image(8, {{1, 2}, {3, 4}});
+    EXPECT_FALSE(image.Expand(c.left, c.top, c.right, c.bottom, kWhite));
+    EXPECT_EQ(levelsOf(image), (Levels{{1, 2}, {3, 4}}));
+  }
+}
+
+TEST(MakeCenter, CentresInColumnsOfZero) {
+  const struct {
+    std::int32_t width;
+    Levels expected;
+  } kCases[] = {
+      {5, {{0, 1, 2, 3, 0}}},           // (5 - 3) / 2 = 1
+      {6, {{0, 1, 2, 3, 0, 0}}},        // 3 / 2 = 1
+      {4, {{1, 2, 3, 0}}},              // 1 / 2 = 0
+      {8, {{0, 0, 1, 2, 3, 0, 0, 0}}},  // 5 / 2 = 2
+  };
+  for (const auto& c : kCases) {
+    IndexedImage image(8, {{1, 2, 3}});
+    image.SetPaletteColor(2, 1, 2, 3, 4);
+    image.MakeCenter(c.width);
+    EXPECT_EQ(levelsOf(image), c.expected);
+    EXPECT_EQ(image.GetPaletteColor(2), rgb(1, 2, 3, 4));
+  }
+}
+
+TEST(MakeCenter, NotWiderDoesNothing) {
+  for (std::int32_t width : {3, 2, 0, -1, std::numeric_limits<std::int32_t>::min()}) {
+    IndexedImage image(1, {{1, 0, 1}});
+    const std::vector<int> before = blockBytes(image);
+    image.MakeCenter(width);
+    EXPECT_EQ(blockBytes(image), before) << width;
+  }
+  CxImage empty;
+  empty.MakeCenter(10);
+  EXPECT_FALSE(empty.IsValid());
+}
+
+TEST(MakeCenter, ResultAlwaysHas8BitsIsKept) {
+  IndexedImage image(1, {{1, 0, 1}});
+  image.MakeCenter(5);
+  EXPECT_EQ(image.GetNumColors(), 256u);
+  EXPECT_EQ(levelsOf(image), (Levels{{0, 1, 0, 1, 0}}));
+}
+
+// These three report no failure of their own: without memory for the result the image is whole or
+// empty, and nothing is written anywhere else.
+TEST(Geometry, WithoutMemoryNothingIsLeftHalfDone) {
+  const auto rotate = [](CxImage& image) { image.Rotate180(nullptr); };
+  const auto mirror = [](CxImage& image) { image.Mirror(); };
+  const auto centre = [](CxImage& image) { image.MakeCenter(4000); };
+  void (*const kOperations[])(CxImage&) = {rotate, mirror, centre};
+  for (const auto operation : kOperations) {
+    CxImage image;
+    ASSERT_NE(image.Create(3000, 3000, 8, 0), nullptr);
+    image.SetPixelIndex(2999, 2999, 77);
+    {
+      const MemoryIsShort guard;
+      operation(image);
+    }
+    if (!image.IsValid()) continue;
+    EXPECT_EQ(image.GetWidth(), 3000u);
+    EXPECT_EQ(image.GetPixelIndex(2999, 2999), 77);
+  }
+}
+
+/// The dots that a line sets in a white 1-bit image.
+Picture lineIn(int width, int height, std::int32_t startX, std::int32_t endX, std::int32_t startY,
+               std::int32_t endY) {
+  IndexedImage image(1, uniformLevels(width, height, 1));
+  image.DrawLine(startX, endX, startY, endY, 0);
+  return dotsOf(image);
+}
+
+TEST(DrawLine, TakesBothXThenBothY) {
+  IndexedImage image(8, uniformLevels(4, 2, 0));
+  image.DrawLine(0, 3, 0, 1, 255);  // (0, 0), (1, 0), (2, 1), (3, 1)
+  EXPECT_EQ(levelsOf(image), (Levels{{255, 255, 0, 0}, {0, 0, 255, 255}}));
+}
+
+TEST(DrawLine, GoesInEveryDirection) {
+  const struct {
+    const char* what;
+    std::int32_t startX, endX, startY, endY;
+    Picture expected;
+  } kCases[] = {
+      {"a point", 2, 2, 1, 1, {".....", "..#..", ".....", ".....", "....."}},
+      {"right", 0, 4, 2, 2, {".....", ".....", "#####", ".....", "....."}},
+      {"left", 4, 0, 2, 2, {".....", ".....", "#####", ".....", "....."}},
+      {"down", 1, 1, 0, 4, {".#...", ".#...", ".#...", ".#...", ".#..."}},
+      {"up", 1, 1, 4, 0, {".#...", ".#...", ".#...", ".#...", ".#..."}},
+      {"diagonal down", 0, 4, 0, 4, {"#....", ".#...", "..#..", "...#.", "....#"}},
+      {"diagonal up", 0, 4, 4, 0, {"....#", "...#.", "..#..", ".#...", "#...."}},
+      // 4 over, 2 down: the numerator runs 2+2=4>=4 step, 0+2, 2+2=4 step, 0+2
+      {"flat", 0, 4, 0, 2, {"#....", ".##..", "...##", ".....", "....."}},
+      {"flat, leftward up", 4, 0, 2, 0, {"##...", "..##.", "....#", ".....", "....."}},
+      // the same with both axes swapped
+      {"steep", 0, 2, 0, 4, {"#....", ".#...", ".#...", "..#..", "..#.."}},
+      {"steep, leftward up", 2, 0, 4, 0, {"#....", "#....", ".#...", ".#...", "..#.."}},
+      {"steep, rightward up", 0, 2, 4, 0, {"..#..", "..#..", ".#...", ".#...", "#...."}},
+      {"flat, rightward up", 0, 4, 2, 0, {"...##", ".##..", "#....", ".....", "....."}},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_TRUE(samePicture(lineIn(5, 5, c.startX, c.endX, c.startY, c.endY), c.expected))
+        << c.what;
+  }
+}
+
+TEST(DrawLine, DependsOnItsDirectionIsKept) {
+  // 4 over, 1 down, from either end: numerator 2, 3, 4 >= 4, so the second dot is the last of its
+  // row.
+  EXPECT_TRUE(samePicture(lineIn(5, 2, 0, 4, 0, 1), {"##...", "..###"}));
+  EXPECT_TRUE(samePicture(lineIn(5, 2, 4, 0, 1, 0), {"###..", "...##"}));
+}
+
+TEST(DrawLine, PartsOutsideAreLeftOut) {
+  EXPECT_TRUE(samePicture(lineIn(4, 3, -3, 10, 1, 1), {"....", "####", "...."}));
+  EXPECT_TRUE(samePicture(lineIn(4, 3, -1, 3, -1, 3), {"#...", ".#..", "..#."}));
+  EXPECT_TRUE(samePicture(lineIn(4, 3, -5, -1, 0, 2), {"....", "....", "...."}));
+  EXPECT_TRUE(samePicture(lineIn(4, 3, 0, 3, 3, 3), {"....", "....", "...."}));
+}
+
+TEST(DrawLine, StoresTheLowBitsOfTheIndex) {
+  IndexedImage bits(1, uniformLevels(2, 1, 0));
+  bits.DrawLine(0, 1, 0, 0, 255);
+  EXPECT_EQ(levelsOf(bits), (Levels{{1, 1}}));
+  IndexedImage nibbles(4, uniformLevels(2, 1, 0));
+  nibbles.DrawLine(0, 1, 0, 0, 0xF7);
+  EXPECT_EQ(levelsOf(nibbles), (Levels{{7, 7}}));
+}
+
+TEST(DrawLine, OnAnEmptyOrA24BitImageDoesNothing) {
+  CxImage empty;
+  empty.DrawLine(0, 3, 0, 1, 255);
+  EXPECT_FALSE(empty.IsValid());
+  CxImage colours;
+  colours.Create(2, 1, 24, 0);
+  colours.DrawLine(0, 1, 0, 0, 255);
+  EXPECT_EQ(rowBytes(colours, 0), (std::vector<int>{0, 0, 0, 0, 0, 0, 0, 0}));
+}
+
+}  // namespace

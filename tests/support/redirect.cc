@@ -1,0 +1,107 @@
+// Puts the two fixed places that the filter writes to, and the clock, under a test's control, so
+// that the shipped binary can be tested unchanged and many tests can run side by side.
+//
+// TARVO_TEST_FOLDER: /var/spool/cups/tmp/NAME becomes FOLDER/spool/NAME, and /tmp/xxxxx.log becomes
+// FOLDER/xxxxx.log. TARVO_TEST_TIME: what time() answers, in seconds since 1970.
+//
+// Plain C inside: this code runs before anything else in the process.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/types.h>
+#include <time.h>
+
+namespace {
+
+constexpr char kSpool[] = "/var/spool/cups/tmp/";
+constexpr char kTrace[] = "/tmp/xxxxx.log";
+constexpr size_t kPathSize = 4096;
+
+const char* redirected(const char* path, char* buffer) {
+  const char* folder = getenv("TARVO_TEST_FOLDER");
+  if (folder == nullptr || path == nullptr) return path;
+  const size_t spoolLength = sizeof kSpool - 1;
+  int length = 0;
+  if (strncmp(path, kSpool, spoolLength) == 0) {
+    length = snprintf(buffer, kPathSize, "%s/spool/%s", folder, path + spoolLength);
+  } else if (strcmp(path, kTrace) == 0) {
+    length = snprintf(buffer, kPathSize, "%s/xxxxx.log", folder);
+  } else {
+    return path;
+  }
+  // A path that does not fit must not reach the real place instead.
+  if (length < 0 || static_cast<size_t>(length) >= kPathSize) abort();
+  return buffer;
+}
+
+template <typename Function>
+Function* next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+using Open = int(const char*, int, ...);
+using OpenAt = int(int, const char*, int, ...);
+using FOpen = FILE*(const char*, const char*);
+
+bool needsMode(int flags) { return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE; }
+
+}  // namespace
+
+// The C library declares these with attributes of its own, hence the mode by hand.
+#define TARVO_MODE_OF(flags)          \
+  mode_t mode = 0;                    \
+  if (needsMode(flags)) {             \
+    va_list arguments;                \
+    va_start(arguments, flags);       \
+    mode = va_arg(arguments, mode_t); \
+    va_end(arguments);                \
+  }
+
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+  TARVO_MODE_OF(flags)
+  char buffer[kPathSize];
+  return next<Open>("open")(redirected(path, buffer), flags, mode);
+}
+
+int open64(const char* path, int flags, ...) {
+  TARVO_MODE_OF(flags)
+  char buffer[kPathSize];
+  return next<Open>("open64")(redirected(path, buffer), flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+  TARVO_MODE_OF(flags)
+  char buffer[kPathSize];
+  return next<OpenAt>("openat")(folder, redirected(path, buffer), flags, mode);
+}
+
+int openat64(int folder, const char* path, int flags, ...) {
+  TARVO_MODE_OF(flags)
+  char buffer[kPathSize];
+  return next<OpenAt>("openat64")(folder, redirected(path, buffer), flags, mode);
+}
+
+FILE* fopen(const char* path, const char* mode) {
+  char buffer[kPathSize];
+  return next<FOpen>("fopen")(redirected(path, buffer), mode);
+}
+
+FILE* fopen64(const char* path, const char* mode) {
+  char buffer[kPathSize];
+  return next<FOpen>("fopen64")(redirected(path, buffer), mode);
+}
+
+time_t time(time_t* result) {
+  const char* fixed = getenv("TARVO_TEST_TIME");
+  if (fixed == nullptr) return next<time_t(time_t*)>("time")(result);
+  const time_t moment = static_cast<time_t>(strtoll(fixed, nullptr, 10));
+  if (result != nullptr) *result = moment;
+  return moment;
+}
+
+}  // extern "C"

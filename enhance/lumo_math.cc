@@ -57,7 +57,7 @@ float my_ln(float x) {
     const float change = next - y;
     if (std::isnan(change)) return kNotANumber;  // no tolerance would ever be met
     if (kTolerance > myabs(change)) return y;    // Quirk: guess-before-last.
-    // Some arguments above ten million send the steps round in a circle, each step longer than the
+    // Some arguments above two million send the steps round in a circle, each step longer than the
     // tolerance: R. P. Brent's test (BIT 20, 1980) sees it close.
     if (next == earlier) return y;
     if ((step & (step - 1)) == 0) earlier = next;

@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -75,61 +77,47 @@ std::vector<std::string> environmentOf(const Program& program) {
   return all;
 }
 
-/// Moves bytes between the pipes and the program until it has closed both outputs.
-class Pump {
- public:
-  Pump(Descriptor& input, Descriptor& output, Descriptor& error, std::string_view bytes,
-       Outcome& outcome)
-      : input_(input), output_(output), error_(error), bytes_(bytes), outcome_(outcome) {
-    if (input_.isOpen()) ::fcntl(input_.get(), F_SETFL, O_NONBLOCK);
-  }
+/// A file in memory that takes in an output. A pipe would wake this process at every write of an
+/// unbuffered stream.
+void openMemory(Descriptor& file) {
+  file.reset(::memfd_create("output", MFD_CLOEXEC));
+  if (!file.isOpen()) fail("memfd_create");
+}
 
-  /// False when `deadline` came first.
-  bool run(Clock::time_point deadline) {
-    while (output_.isOpen() || error_.isOpen()) {
-      const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-      if (left.count() <= 0) return false;
-      if (bytes_.empty()) input_.close();
-      std::array<pollfd, 3> watched{
-          {{input_.get(), POLLOUT, 0}, {output_.get(), POLLIN, 0}, {error_.get(), POLLIN, 0}}};
-      if (::poll(watched.data(), watched.size(), static_cast<int>(left.count())) < 0) {
-        if (errno == EINTR) continue;
-        fail("poll");
-      }
-      if (watched[0].revents != 0) feed();
-      if (watched[1].revents != 0) drain(output_, outcome_.output);
-      if (watched[2].revents != 0) drain(error_, outcome_.error);
+std::string contentOf(const Descriptor& file) {
+  std::string bytes(static_cast<std::size_t>(::lseek(file.get(), 0, SEEK_END)), '\0');
+  for (std::size_t done = 0; done < bytes.size();) {
+    const ssize_t count =
+        ::pread(file.get(), bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+    if (count <= 0) fail("reading an output");
+    done += static_cast<std::size_t>(count);
+  }
+  return bytes;
+}
+
+/// Feeds `bytes` to the program until it has ended. False when `deadline` came first.
+bool feedUntilEnd(const Descriptor& process, Descriptor& input, std::string_view bytes,
+                  Clock::time_point deadline) {
+  if (input.isOpen()) ::fcntl(input.get(), F_SETFL, O_NONBLOCK);
+  while (true) {
+    if (bytes.empty()) input.close();
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    if (left.count() <= 0) return false;
+    std::array<pollfd, 2> watched{{{process.get(), POLLIN, 0}, {input.get(), POLLOUT, 0}}};
+    if (::poll(watched.data(), watched.size(), static_cast<int>(left.count())) < 0) {
+      if (errno == EINTR) continue;
+      fail("poll");
     }
-    input_.close();
-    return true;
-  }
-
- private:
-  void feed() {
-    const ssize_t written = ::write(input_.get(), bytes_.data(), bytes_.size());
+    if (watched[0].revents != 0) return true;
+    if (watched[1].revents == 0) continue;
+    const ssize_t written = ::write(input.get(), bytes.data(), bytes.size());
     if (written >= 0) {
-      bytes_.remove_prefix(static_cast<std::size_t>(written));
+      bytes.remove_prefix(static_cast<std::size_t>(written));
     } else if (errno != EAGAIN && errno != EINTR) {
-      bytes_ = {};  // A program need not read all of its input.
+      bytes = {};  // A program need not read all of its input.
     }
   }
-
-  static void drain(Descriptor& from, std::string& to) {
-    std::array<char, 65536> buffer;
-    const ssize_t count = ::read(from.get(), buffer.data(), buffer.size());
-    if (count > 0) {
-      to.append(buffer.data(), static_cast<std::size_t>(count));
-    } else if (count == 0 || errno != EINTR) {
-      from.close();
-    }
-  }
-
-  Descriptor& input_;
-  Descriptor& output_;
-  Descriptor& error_;
-  std::string_view bytes_;
-  Outcome& outcome_;
-};
+}
 
 /// In the child, after fork: only calls that are safe there. Never returns.
 [[noreturn]] void becomeProgram(const Program& program, char* const* arguments,
@@ -154,26 +142,6 @@ class Pump {
   ::_exit(127);
 }
 
-/// The child's end, waited for until `deadline`.
-void awaitEnd(pid_t child, Clock::time_point deadline, Outcome& outcome) {
-  int status = 0;
-  while (true) {
-    const pid_t ended = ::waitpid(child, &status, outcome.timedOut ? 0 : WNOHANG);
-    if (ended == child) break;
-    if (ended < 0 && errno != EINTR) fail("waitpid");
-    if (Clock::now() >= deadline) {
-      outcome.timedOut = true;
-      ::kill(child, SIGKILL);
-    }
-    ::usleep(500);
-  }
-  if (WIFEXITED(status)) {
-    outcome.status = WEXITSTATUS(status);
-  } else {
-    outcome.signal = WTERMSIG(status);
-  }
-}
-
 }  // namespace
 
 std::string Outcome::ending() const {
@@ -183,9 +151,9 @@ std::string Outcome::ending() const {
 }
 
 Outcome run(const Program& program) {
-  Descriptor childInput, childOutput, childError, input, output, error;
-  makePipe(output, childOutput);
-  makePipe(error, childError);
+  Descriptor childInput, input, output, error;
+  openMemory(output);
+  openMemory(error);
   std::string_view bytes;
   if (const auto* piped = std::get_if<PipedBytes>(&program.input)) {
     makePipe(childInput, input);
@@ -206,19 +174,26 @@ Outcome run(const Program& program) {
   if (child < 0) fail("fork");
   if (child == 0) {
     becomeProgram(program, argumentPointers.data(), environmentPointers.data(), childInput.get(),
-                  childOutput.get(), childError.get());
+                  output.get(), error.get());
   }
   childInput.close();
-  childOutput.close();
-  childError.close();
+  const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+  if (!process.isOpen()) fail("pidfd_open");
 
   Outcome outcome;
-  const auto deadline = Clock::now() + program.timeLimit;
-  if (!Pump(input, output, error, bytes, outcome).run(deadline)) {
-    outcome.timedOut = true;
-    ::kill(child, SIGKILL);
+  outcome.timedOut = !feedUntilEnd(process, input, bytes, Clock::now() + program.timeLimit);
+  if (outcome.timedOut) ::kill(child, SIGKILL);
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) fail("waitpid");
   }
-  awaitEnd(child, deadline, outcome);
+  if (WIFEXITED(status)) {
+    outcome.status = WEXITSTATUS(status);
+  } else {
+    outcome.signal = WTERMSIG(status);
+  }
+  outcome.output = contentOf(output);
+  outcome.error = contentOf(error);
   return outcome;
 }
 

@@ -1,0 +1,71 @@
+// Runs the built filter on one job, in a folder of its own.
+#ifndef TARVO_TESTS_JOBS_FILTER_JOB_H_
+#define TARVO_TESTS_JOBS_FILTER_JOB_H_
+
+#include <ctime>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/folder.h"
+#include "support/process.h"
+
+namespace jobs {
+
+/// The moment at which every job runs, UTC: 16 November 2026, 07:05:09.
+std::tm moment();
+
+/// How the raster reaches the filter.
+enum class Source { StandardInput, FileArgument };
+
+/// What a job left behind.
+struct Run {
+  support::Outcome outcome;
+  std::vector<std::pair<std::string, std::string>> dumps;  ///< name and bytes, in order of number
+  std::optional<std::string> trace;
+  std::vector<std::pair<std::string, std::string>> recordings;  ///< files in the working folder
+};
+
+/// One job, and the folder it runs in: `spool/` stands for the spooler's temporary folder,
+/// `xxxxx.log` for the trace file, `work/` is the working folder. A test may change all of it
+/// before it runs the job.
+class FilterJob {
+ public:
+  FilterJob();
+
+  /// Writes the PPD that the job's queue has; without it there is none.
+  void setPpd(const std::string& text);
+
+  /// Runs the job: five arguments, of which only `options` counts, and the raster.
+  Run run(const std::string& raster, const std::string& options = "",
+          Source source = Source::StandardInput) const;
+
+  /// Runs the program as it stands, with its environment completed.
+  Run run(support::Program program) const;
+
+  /// The program of a job whose raster is still to be given.
+  support::Program program(const std::string& options = "") const;
+
+  std::filesystem::path spool() const { return folder_ / "spool"; }
+  std::filesystem::path trace() const { return folder_ / "xxxxx.log"; }
+  std::filesystem::path work() const { return folder_ / "work"; }
+  std::filesystem::path ppd() const { return folder_ / "queue.ppd"; }
+  const support::Folder& folder() const { return folder_; }
+
+ private:
+  support::Folder folder_;
+};
+
+/// True when the filter runs under the address sanitizer: it starts more slowly, and its own memory
+/// defeats any limit.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kAddressSanitizer = true;
+#else
+inline constexpr bool kAddressSanitizer = false;
+#endif
+
+}  // namespace jobs
+
+#endif  // TARVO_TESTS_JOBS_FILTER_JOB_H_

@@ -70,4 +70,9 @@ LumoImage::~LumoImage() {
   clearForGood(data);
 }
 
-std::int64_t LumoImage::SizeBytes() const { return std::int64_t{width} * height * channels; }
+std::int64_t LumoImage::SizeBytes() const {
+  // Sizes that no memory holds come out negative; unsigned, so that they may.
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(width) *
+                                   static_cast<std::uint64_t>(height) *
+                                   static_cast<std::uint64_t>(channels));
+}

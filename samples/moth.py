@@ -1,4 +1,4 @@
-"""A moth over a compass ring: line art for a stencil, with bold and fine lines, dots and soft shades.
+"""A moth over a compass ring: line art for a stencil, bold and fine, with dots and soft shades.
 
 Drawn in millimetres about the middle of an A4 page, y upwards. What is on the left is the mirror
 image of the right: each part is drawn once and again with x reversed.
@@ -121,7 +121,8 @@ def ring(s):
                 angle = math.radians(90 * quarter + turn)
                 tip = (reach * math.cos(angle), reach * math.sin(angle))
                 for side, shaded in ((1, True), (-1, False)):
-                    base = (waist * math.cos(angle + side * 0.4), waist * math.sin(angle + side * 0.4))
+                    base = (waist * math.cos(angle + side * 0.4),
+                            waist * math.sin(angle + side * 0.4))
                     half = [tip, base, (0, 0)]
                     s.fill(half, 1, 0.45)
                     if shaded:
@@ -136,7 +137,8 @@ def ring(s):
 def eye_spot(s, x, y, radius):
     s.fill(circle(x, y, radius), 1, 0.8)
     s.inside(circle(x, y, radius * 0.84))
-    s.shade(3, (x - radius * 0.2, y + radius * 0.25, radius * 0.05, x, y, radius * 0.84), 0.95, 0.25)
+    s.shade(3, (x - radius * 0.2, y + radius * 0.25, radius * 0.05, x, y, radius * 0.84),
+            0.95, 0.25)
     s.outside()
     s.stroke(circle(x, y, radius * 0.84), 0.3, closed=True)
     s.dot(x, y, radius * 0.5)

@@ -57,7 +57,8 @@ class Page:
             + data + b"\nendstream")
         name = f"I{len(self.objects)}"
         self.resources["XObject"][name] = f"{len(self.objects) + 4} 0 R"
-        self.content.append(f"q {number(w)} 0 0 {number(h)} {number(x)} {number(y)} cm /{name} Do Q")
+        self.content.append(
+            f"q {number(w)} 0 0 {number(h)} {number(x)} {number(y)} cm /{name} Do Q")
 
     def save(self, path):
         body = zlib.compress("\n".join(self.content).encode("cp1252"), 9)

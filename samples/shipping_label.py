@@ -25,7 +25,7 @@ class Label(pdf.Page):
 
     def box(self, x, y, width, height):
         """A black box of whole dots. A rasteriser may fill each dot that the box touches, or each
-        whose middle it covers: drawn a quarter of a dot smaller all round it is the same to both."""
+        whose middle it covers: a quarter of a dot smaller all round it is the same to both."""
         self.rect(x + 0.25, HEIGHT - y - height + 0.25, width - 0.5, height - 0.5)
 
     def line(self, y, x=20, width=WIDTH - 40):
@@ -91,8 +91,8 @@ def draw():
 
     # This side up.
     for x in (720, 756):
-        label.shape([(x, 640), (x + 14, 664), (x + 5, 664), (x + 5, 690), (x - 5, 690), (x - 5, 664),
-                     (x - 14, 664)])
+        label.shape([(x, 640), (x + 14, 664), (x + 5, 664), (x + 5, 690), (x - 5, 690),
+                     (x - 5, 664), (x - 14, 664)])
     label.box(702, 696, 72, 4)
 
     # The parcel's number: 4 dots a module, 0.5 mm. Code 128 ends in a bar: what follows is padding.

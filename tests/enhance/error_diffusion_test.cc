@@ -116,6 +116,15 @@ TEST(EdfCus, OnePixelSpreadsByTheWeightTable) {
   }
 }
 
+TEST(EdfCus, SomeOfEachErrorIsDroppedIsKept) {
+  // The weights add up to 0.940002, so a black field of level 1 settles at 1 / 0.059998 = 16.67
+  // instead of growing until a dot turns white.
+  EXPECT_TRUE(
+      samePicture(diffused(uniformLevels(200, 200, 1), 17), Picture(200, std::string(200, '#'))));
+  EXPECT_FALSE(
+      samePicture(diffused(uniformLevels(200, 200, 1), 16), Picture(200, std::string(200, '#'))));
+}
+
 // The centre of 3 x 3 is the one interior pixel; it has level 200 and is white (threshold 128), its
 // neighbours are 0 or 255 and carry no error. The dot to its right shows what it passes on.
 TEST(EdfCus, BlackNeighboursLowerTheCostOfAWhitePixel) {

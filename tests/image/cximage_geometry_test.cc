@@ -233,6 +233,15 @@ TEST(Expand, WithoutMemoryFailsWithTheReasonAndLeavesTheImage) {
   EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
 }
 
+TEST(Expand, PixelCountThatWrapsFailsAndLeavesTheImage) {
+  // 65536 x 65536 = 2^32
+  IndexedImage image(8, {{1, 2}, {3, 4}});
+  const std::vector<int> before = blockBytes(image);
+  EXPECT_FALSE(image.Expand(65534, 65534, 0, 0, kWhite));
+  EXPECT_EQ(blockBytes(image), before);
+  EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
+}
+
 // The new width is 2 again when it is cut to 32 bits, but the old rows would go 2^32 bytes away.
 TEST(Expand, MarginBeyond32BitsFails) {
   const std::int64_t kFar = std::int64_t{1} << 32;

@@ -183,6 +183,30 @@ TEST(Create, PixelCountTimesDepthBeyond32BitsFails) {
   }
 }
 
+TEST(Create, SizeTestMissesAPixelCountThatWrapsIsKept) {
+  // The text tells that it was the allocation that refused, not the test on the size.
+  const struct {
+    std::uint32_t width, height, bpp;
+  } kCases[] = {
+      {65536, 65536, 8},            // 2^32 pixels wrap to 0, and 0 / 8 = 0
+      {0x7FFFFFFF, 0x7FFFFFFF, 1},  // 2^62 - 2^32 + 1 wrap to 1
+      {1, 0x7FFFFFFF, 1},           // nothing wraps, but rows of 4 bytes make 2^33
+  };
+  for (const auto& c : kCases) {
+    CxImage image;
+    EXPECT_EQ(image.Create(c.width, c.height, c.bpp, 0), nullptr) << c.width << " x " << c.height;
+    EXPECT_FALSE(image.IsValid());
+    EXPECT_STREQ(image.GetLastError(), kNoMemory) << c.width << " x " << c.height;
+  }
+
+  // 65536 x 65537 wraps to 65536, and at 1 bit the rows do fit: 8192 x 65537 bytes.
+  CxImage image;
+  ASSERT_NE(image.Create(65536, 65537, 1, 0), nullptr);
+  EXPECT_EQ(image.GetSize(), 40u + 8u + 8192u * 65537u);
+  image.SetPixelIndex(65535, 65536, 1);
+  EXPECT_EQ(image.GetPixelIndex(65535, 65536), 1);
+}
+
 TEST(Create, WithoutMemoryFails) {
   CxImage image;
   ASSERT_NE(image.Create(4, 4, 8, 0), nullptr);

@@ -58,7 +58,7 @@ std::string compareLogs(const std::vector<std::string>& expected, const std::str
   return support::firstDifference(expected, actual);
 }
 
-std::string compareDumps(const std::vector<reference::Dump>& expected, const Run& run) {
+std::string compareDumps(const std::vector<reference::Dump>& expected, const JobRun& run) {
   std::vector<std::string> names, expectedNames;
   for (const auto& [name, bytes] : run.dumps) names.push_back(name);
   for (const reference::Dump& dump : expected) expectedNames.push_back(dump.name);
@@ -70,7 +70,7 @@ std::string compareDumps(const std::vector<reference::Dump>& expected, const Run
   return text;
 }
 
-std::string compareRecordings(const reference::Result& expected, const Run& run) {
+std::string compareRecordings(const reference::Result& expected, const JobRun& run) {
   std::vector<std::string> names, expectedNames;
   for (const auto& [name, bytes] : run.recordings) names.push_back(name);
   if (!expected.recordingName.empty()) expectedNames.push_back(expected.recordingName);
@@ -103,7 +103,7 @@ std::string difference(const ComparedJob& job) {
 std::string difference(const ComparedJob& job, const std::string& raster) {
   FilterJob filter;
   filter.setPpd(ppdOf(job));
-  const Run run = filter.run(raster, optionsOf(job), job.source);
+  const JobRun run = filter.run(raster, optionsOf(job), job.source);
   const reference::Result expected = reference::run(referenceJobOf(job));
   ++count().jobs;
   count().pages += static_cast<long>(job.pages.size());

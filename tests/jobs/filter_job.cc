@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace jobs {
 
@@ -32,7 +33,7 @@ support::Program FilterJob::program(const std::string& options) const {
   return program;
 }
 
-Run FilterJob::run(const std::string& raster, const std::string& options, Source source) const {
+JobRun FilterJob::run(const std::string& raster, const std::string& options, Source source) const {
   support::Program job = program(options);
   if (source == Source::FileArgument) {
     support::writeFile(folder_ / "job.ras", raster);
@@ -44,21 +45,25 @@ Run FilterJob::run(const std::string& raster, const std::string& options, Source
   return run(std::move(job));
 }
 
-Run FilterJob::run(support::Program program) const {
+support::Outcome FilterJob::runAlone(support::Program program) const {
   std::tm now = moment();
   std::map<std::string, std::optional<std::string>> environment = {
       {"LD_PRELOAD", TARVO_REDIRECT},
       {"TARVO_TEST_FOLDER", folder_.path().string()},
       {"TARVO_TEST_TIME", std::to_string(::timegm(&now))},
       {"TZ", "UTC"},
-      // The preloaded library comes before the sanitizer's, which would refuse to start.
-      {"ASAN_OPTIONS", "verify_asan_link_order=0"},
+      // The preloaded library comes before the sanitizer's, which would refuse to start; and memory
+      // that can't be had is the filter's to handle.
+      {"ASAN_OPTIONS", "verify_asan_link_order=0:allocator_may_return_null=1"},
       {"PPD", std::filesystem::exists(ppd()) ? std::optional(ppd().string()) : std::nullopt}};
   program.environment.merge(environment);  // what the test has set stays
   if (program.workingFolder.empty()) program.workingFolder = work();
+  return support::run(program);
+}
 
-  Run run;
-  run.outcome = support::run(program);
+JobRun FilterJob::run(support::Program program) const {
+  JobRun run;
+  run.outcome = runAlone(std::move(program));
   for (const std::string& name : support::namesIn(spool())) {
     run.dumps.emplace_back(name, *support::readFile(spool() / name));
   }

@@ -21,7 +21,7 @@ std::tm moment();
 enum class Source { StandardInput, FileArgument };
 
 /// What a job left behind.
-struct Run {
+struct JobRun {
   support::Outcome outcome;
   std::vector<std::pair<std::string, std::string>> dumps;  ///< name and bytes, in order of number
   std::optional<std::string> trace;
@@ -39,11 +39,14 @@ class FilterJob {
   void setPpd(const std::string& text);
 
   /// Runs the job: five arguments, of which only `options` counts, and the raster.
-  Run run(const std::string& raster, const std::string& options = "",
-          Source source = Source::StandardInput) const;
+  JobRun run(const std::string& raster, const std::string& options = "",
+             Source source = Source::StandardInput) const;
 
   /// Runs the program as it stands, with its environment completed.
-  Run run(support::Program program) const;
+  JobRun run(support::Program program) const;
+
+  /// The same without looking at the files it leaves.
+  support::Outcome runAlone(support::Program program) const;
 
   /// The program of a job whose raster is still to be given.
   support::Program program(const std::string& options = "") const;

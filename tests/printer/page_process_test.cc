@@ -239,8 +239,8 @@ TEST(Turning, HalftonesSeeTheTurnedPage) {
 
 // Negative
 
-TEST(Negative, OnTheDitherRouteNoDotIsPrintedIsKept) {
-  // Indices 0 and 1 become 255 and 254: neither is 0, so no bit of a bitmap is set.
+TEST(Negative, OnTheDitherRouteEveryDotIsPrintedIsKept) {
+  // Indices 0 and 1 become 255 and 254: neither is 0, so no bit of a bitmap is set: all ink.
   TestPrinter printer;
   printer.setNegativePrint(true);
   const Result result = process(printer, None, {0, 255, 0, 255}, 4, 4, 1);

@@ -24,6 +24,15 @@ namespace {
 
 constexpr unsigned long kTooLong = 1UL << 50;
 
+/// `log` without what the address sanitizer has to say.
+std::string ownLines(const std::string& log) {
+  std::string own;
+  for (const std::string& line : support::linesOf(log)) {
+    if (line.rfind("==", 0) != 0) own += line + "\n";
+  }
+  return own;
+}
+
 TEST(PrintImageMemory, PageThatHasNoMemoryIsLeftOut) {
   const support::Folder folder;
   std::filesystem::create_directory(folder / "spool");
@@ -41,7 +50,7 @@ TEST(PrintImageMemory, PageThatHasNoMemoryIsLeftOut) {
               length +
               "\nERROR:printImage: Memory allocation failed, unable to process image, exiting "
               "processing\nDEBUG:printImage: Image processing completed\n",
-          log.substr(log.find("DEBUG:"))),
+          ownLines(log)),
       "");
   EXPECT_TRUE(printer.printed.empty());
   EXPECT_TRUE(support::namesIn(folder / "spool").empty());

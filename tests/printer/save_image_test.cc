@@ -15,7 +15,7 @@
 
 namespace {
 
-void append(std::string& bytes, std::uint32_t value, int size) {
+void append(std::string& bytes, std::uint64_t value, int size) {
   for (int i = 0; i < size; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFFU);
 }
 
@@ -59,7 +59,9 @@ class Dumping {
   /// The one file that this call makes.
   std::string save(const Bytes& data, unsigned long bytesPerLine, unsigned long height,
                    unsigned long width, unsigned short bitsPerPixel) {
-    printer_.saveImage(data.data(), bytesPerLine, height, width, bitsPerPixel);
+    const std::uint8_t none = 0;
+    printer_.saveImage(data.empty() ? &none : data.data(), bytesPerLine, height, width,
+                       bitsPerPixel);
     const std::vector<std::string> names = support::namesIn(folder_.path());
     if (names.size() != 1) return "not one file but " + std::to_string(names.size());
     const std::string bytes = *support::readFile(folder_ / names.front());

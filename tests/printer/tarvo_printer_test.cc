@@ -189,7 +189,8 @@ TEST(Output, EachRoutineWritesItsBytesToEveryStreamInOrder) {
          p.printBytes(bytes, sizeof bytes);
        },
        std::string("a\0\xff\n%s", 6)},
-      {"no bytes", [](TarvoPrinter& p) { p.printBytes(nullptr, 0); }, ""},
+      {"no bytes",
+       [](TarvoPrinter& p) { p.printBytes(reinterpret_cast<const unsigned char*>("x"), 0); }, ""},
       {"text", [](TarvoPrinter& p) { p.printStr("100%s %d\r\n"); }, "100%s %d\r\n"},
       {"empty text", [](TarvoPrinter& p) { p.printStr(""); }, ""},
       {"byte 10", [](TarvoPrinter& p) { p.printByte(10); }, "\n"},
@@ -256,7 +257,8 @@ TEST(Output, WithoutStreamsNothingIsWritten) {
   EXPECT_EQ(printer.printFormat("CLS\r\n"), 0);
   printer.printStr("x");
   printer.printByte(1);
-  printer.printBytes(nullptr, 0);
+  const unsigned char byte = 1;
+  printer.printBytes(&byte, 1);
 }
 
 }  // namespace

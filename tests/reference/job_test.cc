@@ -195,7 +195,7 @@ TEST(Job, APageWithoutDataSendsItsCommandsOnly) {
   EXPECT_THAT(result.log, Contains("DEBUG:PAGE: 2 7"));
 }
 
-TEST(Job, NegativeBlanksThePageOfEveryHalftoneButTheTattooOnes) {
+TEST(Job, NegativeIsAllInkWithEveryHalftoneButTheTattooOnes) {
   for (const std::uint8_t level : {std::uint8_t{0}, std::uint8_t{255}}) {
     Job job = smallJob();
     job.choices["NegativeImage"] = "True";

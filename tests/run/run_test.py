@@ -22,7 +22,8 @@ def png(width, height, is_ink):
 
     rows = b"".join(b"\0" + bytes(0 if is_ink(x, y) else 255 for x in range(width))
                     for y in range(height))
-    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
+    header = struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header)
             + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
@@ -81,8 +82,8 @@ class RunTest(unittest.TestCase):
 
     def postscript_to(self, device, name, program, *more):
         path = os.path.join(self.folder, name)
-        subprocess.run(["gs", "-q", "-dBATCH", "-dNOPAUSE", f"-sDEVICE={device}", f"-o{path}", *more,
-                        "-c", program], check=True)
+        subprocess.run(["gs", "-q", "-dBATCH", "-dNOPAUSE", f"-sDEVICE={device}", f"-o{path}",
+                        *more, "-c", program], check=True)
         return path
 
     def only_page(self, name):
@@ -141,7 +142,8 @@ class RunTest(unittest.TestCase):
     def test_prints_pdf(self):
         # An inch of ink, an inch from the left and the top of a page of 4 x 6 inches: 203 dots.
         document = self.postscript_to(
-            "pdfwrite", "square.pdf", "<</PageSize[288 432]>>setpagedevice 72 288 72 72 rectfill showpage")
+            "pdfwrite", "square.pdf",
+            "<</PageSize[288 432]>>setpagedevice 72 288 72 72 rectfill showpage")
         result = self.run_it(document)
         self.assertRegex(result.stdout, r"page 1: 812 x 1218 dots, printed in \d+\.\d{3} s")
         page = self.only_page("square")
@@ -159,12 +161,13 @@ class RunTest(unittest.TestCase):
         self.run_it(self.write("checks.png", checks))
         page = self.only_page("checks")
         for y in range(1218):
-            expected = "".join("#" if (x // 7 + y // 5) % 2 == 0 else "." for x in range(812)) + "...."
-            self.assertEqual(page.row(y), expected, f"row {y}")
+            row = "".join("#" if (x // 7 + y // 5) % 2 == 0 else "." for x in range(812))
+            self.assertEqual(page.row(y), row + "....", f"row {y}")
 
     def test_prints_jpeg(self):
         document = self.postscript_to(
-            "jpeggray", "half.jpg", "<</PageSize[288 432]>>setpagedevice 0 0 144 432 rectfill showpage",
+            "jpeggray", "half.jpg",
+            "<</PageSize[288 432]>>setpagedevice 0 0 144 432 rectfill showpage",
             "-r203", "-dJPEGQ=100")
         self.run_it(document)
         page = self.only_page("half")
@@ -201,7 +204,7 @@ class RunTest(unittest.TestCase):
         page = self.only_page("letter")
         middle = page.row(page.height // 2)
         left, right = middle.index("#"), middle.rindex("#")
-        # 842 points become 432, so that 595 become 305: the width of 288 decides, 288 / 595 = 0.484.
+        # 842 points to 432 would leave 595 at 305: the width of 288 decides, 288 / 595 = 0.484.
         self.assertLess(left, 3)
         self.assertGreater(right, 808)
         inked = [y for y in range(page.height) if "#" in page.row(y)]
@@ -237,6 +240,15 @@ class RunTest(unittest.TestCase):
         self.assertIn("831 is no multiple of 4", result.stdout)
         self.assertNotIn("no multiple", self.run_it("-o", "PageSize=100x150mm", document).stdout)
 
+    def test_says_when_choices_exclude_each_other(self):
+        document = self.write("note.txt", "note\n")
+        result = self.run_it("-o", "NegativeImage", document)
+        self.assertIn("note: HalftoneType=None does not go with NegativeImage=True", result.stdout)
+        page = self.only_page("note")
+        self.assertEqual(page.ink(), 812 * 1218)  # a label of ink
+        result = self.run_it("-o", "NegativeImage", "-o", "HalftoneType=Tattoo", document)
+        self.assertNotIn("note:", result.stdout)
+
     # Pictures.
 
     def test_a_vertical_line_in_a_picture_stays_vertical(self):
@@ -244,7 +256,8 @@ class RunTest(unittest.TestCase):
         document = self.write("line.png", png(201, 307, lambda x, y: 90 <= x < 110))
         for model, size, portrait in (("label-203dpi", "4x6", True), ("label-203dpi", "2x1", False),
                                       ("label-203dpi", "100x150mm", True),
-                                      ("label-203dpi", "3x2", False), ("label-300dpi", "76x51mm", False),
+                                      ("label-203dpi", "3x2", False),
+                                      ("label-300dpi", "76x51mm", False),
                                       ("stencil-a4-300dpi", "Tattoo_A6", True)):
             with self.subTest(model=model, size=size):
                 self.run_it("--model", model, "-o", "PageSize=" + size, "-o", "HalftoneType=None",
@@ -291,12 +304,12 @@ class RunTest(unittest.TestCase):
     def test_prints_three_samples_and_the_barcodes_of_the_first_scan(self):
         result = self.run_it()
         self.assertEqual(sorted(os.listdir(self.out)),
-                         sorted(f"{name}{ending}" for name in ("shipping-label", "still-life", "moth")
-                                for ending in (".log", ".tspl", "-1.png")))
-        self.assertRegex(result.stdout, "shipping-label.pdf: for label-203dpi, "
-                                        "PageSize=4x6 HalftoneType=None")
-        self.assertRegex(result.stdout, "still-life.pdf: for label-300dpi, PageSize=4x6 HalftoneType=Stucki")
-        self.assertRegex(result.stdout, "moth.pdf: for stencil-a4-300dpi, PageSize=A4 HalftoneType=Tattoo")
+                         sorted(f"{name}{ending}" for ending in (".log", ".tspl", "-1.png")
+                                for name in ("shipping-label", "still-life", "moth")))
+        for sample in ("shipping-label.pdf: for label-203dpi, PageSize=4x6 HalftoneType=None\n",
+                       "still-life.pdf: for label-300dpi, PageSize=4x6 HalftoneType=Stucki\n",
+                       "moth.pdf: for stencil-a4-300dpi, PageSize=A4 HalftoneType=Tattoo\n"):
+            self.assertIn(sample, result.stdout)
         self.assertEqual(self.scanned("shipping-label-1.png"),
                          ["CODE-128:TV20250412007355",
                           "QR-Code:https://example.com/t/TV20250412007355"])

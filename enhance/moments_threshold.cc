@@ -1,9 +1,11 @@
 #include "enhance/moments_threshold.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "enhance/lumo_math.h"
+#include "kernels/bytes.h"
 
 namespace {
 
@@ -16,7 +18,8 @@ using Histogram = std::array<float, 256>;
 Histogram normalisedHistogram(const LumoImage& img) {
   const std::int64_t pixels = std::int64_t{img.width} * img.height;
   std::array<std::int64_t, 256> counts{};
-  for (std::int64_t i = 0; i < pixels; ++i) ++counts[img.data[i]];
+  kernels::countLevels(img.data, static_cast<std::size_t>(std::max<std::int64_t>(pixels, 0)),
+                       counts.data());
   Histogram shares;
   for (std::size_t i = 0; i < shares.size(); ++i) {
     shares[i] = static_cast<float>(counts[i]) / static_cast<float>(pixels);

@@ -1,5 +1,6 @@
 // The road of one page: measure, dump, process, dump, print.
 #include <cstdlib>
+#include <limits>
 #include <memory>
 
 #include "common/log.h"
@@ -18,8 +19,11 @@ struct Freer {
 
 using Block = std::unique_ptr<unsigned char, Freer>;
 
-Block zeroFilled(std::size_t count, std::size_t size) {
-  return Block(static_cast<unsigned char*>(std::calloc(count, size)));
+/// A block that proves that the memory is there. Nothing reads or writes it: its pages are never
+/// made.
+Block untouched(std::size_t count, std::size_t size) {
+  if (count != 0 && size > std::numeric_limits<std::size_t>::max() / count) return nullptr;
+  return Block(static_cast<unsigned char*>(std::malloc(count * size)));
 }
 
 }  // namespace
@@ -30,8 +34,7 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
                  "printImage: Start processing image, input width: %zu, height: %zu, bytes per "
                  "line: %zu",
                  std::size_t{width}, std::size_t{height}, std::size_t{bytesPerLine});
-  // Never written to: it proves that the memory is there.
-  Block scratch = zeroFilled(height, bytesPerLine);
+  Block scratch = untouched(height, bytesPerLine);
   Block result;
   if (scratch == nullptr) {
     tarvoLogCommon(3,
@@ -46,8 +49,8 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
               "printImage: Saving original image, file path will be generated based on time", data,
               bytesPerLine, height, width);
 
-    // Zero-filled: the tattoo halftones read bytes between lines that nothing wrote.
-    result = zeroFilled(2, size);
+    // The result goes from pimage_ to the printer; no one reads a copy of it.
+    result = untouched(2, size);
     if (result == nullptr) {
       tarvoLogCommon(3,
                      "printImage: Memory allocation for processing result failed, unable to "
@@ -57,8 +60,8 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
       tarvoLogCommon(
           0, "printImage: Memory for processing result allocated successfully, size: %zu bytes",
           size);
-      PageProcess(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
-                  static_cast<int>(height), result.get());
+      ProcessPage(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
+                  static_cast<int>(height), nullptr);
       LogProcessedPage(blank, result.get(), bytesPerLine, height, width);
       PrintProcessedImage();
     }

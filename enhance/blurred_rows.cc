@@ -6,14 +6,13 @@
 #include "kernels/blur.h"
 #include "kernels/bytes.h"
 
-static_assert(BlurredRows::kTaps == kernels::kBlurTaps);
-
 BlurredRows::BlurredRows(const LumoImage& image, const std::uint8_t* table, double sigma)
-    : image_(image), table_(table), result_(static_cast<std::size_t>(image.width)) {
+    : image_(image), table_(table), width_(static_cast<std::size_t>(image.width)) {
   generateGaussianKernel1D(kTaps, sigma, kernel_.data());
-  if (table != nullptr) curved_.resize(result_.size());
-  for (auto& row : levels_) row.resize(result_.size() + 2 * kHalf);
-  for (auto& row : alongRow_) row.resize(result_.size());
+  if (table != nullptr) curved_.resize(width_);
+  for (auto& row : levels_) row.resize(width_ + 2 * kMargin);
+  for (auto& row : alongRow_) row.resize(width_);
+  result_.resize(width_);
 }
 
 void BlurredRows::next() {
@@ -25,21 +24,21 @@ void BlurredRows::next() {
   for (int k = 0; k < kTaps; ++k) {
     rows[k] = alongRow_[index(std::clamp(y_ + k - kHalf, 0, last))].data();
   }
-  kernels::blurRow(rows, kernel_.data(), result_.size(), result_.data());
+  kernels::blurRow(rows, kernel_.data(), width_, result_.data());
 }
 
 void BlurredRows::read(int y) {
   const std::uint8_t* bytes = image_.data + std::int64_t{y} * image_.width;
   if (table_ != nullptr) {
-    kernels::lookUp(bytes, curved_.size(), table_, curved_.data());
+    kernels::lookUp(bytes, width_, table_, curved_.data());
     bytes = curved_.data();
   }
-  std::vector<float>& levels = levels_[index(y)];
-  kernels::toFloats(bytes, result_.size(), levels.data() + kHalf);
-  std::fill_n(levels.begin(), kHalf, levels[kHalf]);
-  std::fill_n(levels.end() - kHalf, kHalf, levels[levels.size() - kHalf - 1]);
+  float* levels = levels_[index(y)].data() + kMargin;
+  kernels::toFloats(bytes, width_, levels);
+  std::fill_n(levels - kHalf, kHalf, levels[0]);
+  std::fill_n(levels + width_, kHalf, levels[width_ - 1]);
 
   const float* views[kTaps];
-  for (std::size_t k = 0; k < kTaps; ++k) views[k] = levels.data() + k;
-  kernels::blurRow(views, kernel_.data(), result_.size(), alongRow_[index(y)].data());
+  for (int k = 0; k < kTaps; ++k) views[k] = levels + k - kHalf;
+  kernels::blurRow(views, kernel_.data(), width_, alongRow_[index(y)].data());
 }

@@ -4,10 +4,28 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace kernels {
 
 inline constexpr std::size_t kBlurTaps = 11;
+
+/// Floats that begin where a cache line does: rows that do are read fastest.
+class FloatRow {
+ public:
+  /// Makes room for `count` floats. Throws std::bad_alloc.
+  void resize(std::size_t count) { lines_.resize((count + kLine - 1) / kLine); }
+  float* data() { return lines_.empty() ? nullptr : lines_.front().floats; }
+  const float* data() const { return lines_.empty() ? nullptr : lines_.front().floats; }
+
+  static constexpr std::size_t kLine = 16;  ///< floats in a cache line
+
+ private:
+  struct alignas(64) Line {
+    float floats[kLine];
+  };
+  std::vector<Line> lines_;
+};
 
 /// Levels as floats, which the two passes of the blur read them as.
 void toFloats(const std::uint8_t* levels, std::size_t count, float* to);

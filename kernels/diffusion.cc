@@ -143,21 +143,37 @@ class Diffuser {
     makeShares(error, white, shares, std::make_index_sequence<kWeights>());
     spread(state, shares, std::make_index_sequence<kTable.taps.size()>());
 
-    // Complete sums move to the next lane; the last lane's are kept for the next band, whose first
-    // lane's come from there.
-    for (int dy = 1; dy <= kRows; ++dy) {
-      const Level8 complete = state.window[dy][0];
-      for (int i = 0; i < 2 * Shape::reach(dy); ++i) state.window[dy][i] = state.window[dy][i + 1];
-
-      std::uint8_t* sums = carried(dy - 1) + step - Shape::reach(dy);
-      const Vec8 above = hn::LoadU(d, sums + kLag);
-      hn::StoreU(hn::BitCast(d, complete), d, sums - kLag * (kBandRows - 1));
-      const Vec8 moved = hn::CombineShiftRightBytes<1>(d, above, hn::BitCast(d, complete));
-      const int delay = Shape::delay(dy - 1);
-      for (int i = 0; i + 1 < delay; ++i) state.arriving[dy - 1][i] = state.arriving[dy - 1][i + 1];
-      state.arriving[dy - 1][delay - 1] = hn::BitCast(ds, moved);
-    }
+    moveAll(state, step, std::make_index_sequence<std::size_t{kRows}>());
     return whiteBytes;
+  }
+
+  template <std::size_t... kIndex>
+  HWY_INLINE void moveAll(State& state, std::ptrdiff_t step, std::index_sequence<kIndex...>) {
+    (move<static_cast<int>(kIndex) + 1>(state, step), ...);
+  }
+
+  /// Moves the sum that the row `kDy` above it has completed to the next lane. The last lane's is
+  /// kept for the next band, whose first lane's comes from there.
+  template <int kDy>
+  HWY_INLINE void move(State& state, std::ptrdiff_t step) {
+    const Lanes8 d;
+    constexpr int kReach = Shape::reach(kDy);
+    constexpr int kDelay = Shape::delay(kDy - 1);
+    const Vec8 complete = hn::BitCast(d, state.window[kDy][0]);
+    shift(state.window[kDy], std::make_index_sequence<2 * std::size_t{kReach}>());
+
+    std::uint8_t* sums = carried(kDy - 1) + step - kReach;
+    const Vec8 above = hn::LoadU(d, sums + kLag);
+    hn::StoreU(complete, d, sums - kLag * (kBandRows - 1));
+    shift(state.arriving[kDy - 1], std::make_index_sequence<std::size_t{kDelay} - 1>());
+    state.arriving[kDy - 1][kDelay - 1] =
+        hn::BitCast(Signed8(), hn::CombineShiftRightBytes<1>(d, above, complete));
+  }
+
+  /// Spelt out rather than a loop, so that the sums stay in registers.
+  template <std::size_t kSize, std::size_t... kIndex>
+  static HWY_INLINE void shift(Level8 (&sums)[kSize], std::index_sequence<kIndex...>) {
+    ((sums[kIndex] = sums[kIndex + 1]), ...);
   }
 
   /// The share of the error for each distinct weight, truncated: the byte lanes are multiplied as

@@ -1,5 +1,9 @@
 // The road of one page: measure, dump, process, dump, print.
-#include <cstdlib>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <memory>
 
@@ -13,17 +17,21 @@ namespace {
 constexpr std::uint8_t kTopEdge = 2;
 constexpr std::uint8_t kBottomEdge = 8;
 
-struct Freer {
-  void operator()(void* block) const { std::free(block); }
+struct Unmapper {
+  std::size_t size = 0;
+  void operator()(unsigned char* block) const { munmap(block, size); }
 };
 
-using Block = std::unique_ptr<unsigned char, Freer>;
+using Block = std::unique_ptr<unsigned char, Unmapper>;
 
-/// A block that proves that the memory is there. Nothing reads or writes it: its pages are never
-/// made.
+/// A block that proves that the memory is there. Nothing reads or writes it: mapped by itself, not
+/// made of what other blocks have left, it costs no more than its addresses.
 Block untouched(std::size_t count, std::size_t size) {
-  if (count != 0 && size > std::numeric_limits<std::size_t>::max() / count) return nullptr;
-  return Block(static_cast<unsigned char*>(std::malloc(count * size)));
+  if (size != 0 && count > std::numeric_limits<std::size_t>::max() / size) return {};
+  const std::size_t bytes = std::max<std::size_t>(count * size, 1);
+  void* block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (block == MAP_FAILED) return {};
+  return {static_cast<unsigned char*>(block), Unmapper{bytes}};
 }
 
 }  // namespace

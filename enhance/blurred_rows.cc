@@ -6,7 +6,7 @@
 #include "kernels/blur.h"
 #include "kernels/bytes.h"
 
-BlurredRows::BlurredRows(const LumoImage& image, const std::uint8_t* table, double sigma)
+BlurredRows::BlurredRows(const GrayRows& image, const std::uint8_t* table, double sigma)
     : image_(image), table_(table), width_(static_cast<std::size_t>(image.width)) {
   generateGaussianKernel1D(kTaps, sigma, kernel_.data());
   if (table != nullptr) curved_.resize(width_);
@@ -28,7 +28,7 @@ void BlurredRows::next() {
 }
 
 void BlurredRows::read(int y) {
-  const std::uint8_t* bytes = image_.data + std::int64_t{y} * image_.width;
+  const std::uint8_t* bytes = image_.row(y);
   if (table_ != nullptr) {
     kernels::lookUp(bytes, width_, table_, curved_.data());
     bytes = curved_.data();

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "enhance/lumo_image.h"
+#include "enhance/gray_rows.h"
 #include "kernels/blur.h"
 
 /// Blurs the rows of an image one after another. Both passes read rows of floats, which hold whole
@@ -17,10 +17,9 @@ class BlurredRows {
  public:
   static constexpr int kTaps = static_cast<int>(kernels::kBlurTaps);
 
-  /// `image` is read as one byte per pixel, through the 256-byte `table` unless that is null; both
-  /// must outlive this object. `sigma` as in generateGaussianKernel1D. REQUIRES: width and height
-  /// above 0.
-  BlurredRows(const LumoImage& image, const std::uint8_t* table, double sigma);
+  /// `image` is read through the 256-byte `table` unless that is null; both must outlive this
+  /// object. `sigma` as in generateGaussianKernel1D. REQUIRES: width and height above 0.
+  BlurredRows(const GrayRows& image, const std::uint8_t* table, double sigma);
 
   /// Goes on to the next row, from row 0. REQUIRES: not at the last row.
   void next();
@@ -40,7 +39,7 @@ class BlurredRows {
   /// Reads row `y` and blurs it along its length.
   void read(int y);
 
-  const LumoImage& image_;
+  const GrayRows image_;
   const std::uint8_t* table_;
   std::array<double, kTaps> kernel_;
   std::vector<std::uint8_t> curved_;               ///< a row through the table

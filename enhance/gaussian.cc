@@ -55,7 +55,7 @@ LumoImage convolve1D(const LumoImage& src, const double* kernel, int ksize, bool
 LumoImage enh_gaussian_filter_fast(const LumoImage& src, int ksize, double sigma) {
   if (ksize == BlurredRows::kTaps && src.width > 0 && src.height > 0) {
     LumoImage result(src);
-    BlurredRows rows(src, nullptr, sigma);
+    BlurredRows rows(rowsOf(src), nullptr, sigma);
     for (int y = 0; y < src.height; ++y) {
       rows.next();
       kernels::sharpenRow(rows.levels(), rows.blurred(), static_cast<std::size_t>(src.width), 0.0f,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 #include "enhance/blurred_rows.h"
 #include "enhance/gray.h"
@@ -18,32 +17,20 @@ constexpr float kSharpenPercent = 300.0f;
 
 bool hasNoPixels(const LumoImage& image) { return std::int64_t{image.width} * image.height <= 0; }
 
-/// The gray levels of an image: the image itself where it is gray already.
-class GrayLevels {
- public:
-  explicit GrayLevels(const LumoImage& image) : gray_(&image) {
-    if (image.color == LUMO_IMG_GRAY && image.channels == 1) return;
-    converted_.emplace(cvtGray(image));
-    gray_ = &*converted_;
-  }
-  const LumoImage& image() const { return *gray_; }
+}  // namespace
 
- private:
-  std::optional<LumoImage> converted_;
-  const LumoImage* gray_;
-};
-
-/// What both variants do from the tone curve on: row by row, a band at a time, so that none of the
-/// images between exists as a whole.
-LumoImage curveSharpenAndDiffuse(const LumoImage& gray, const std::array<std::uint8_t, 256>& curve,
-                                 int threshold) {
-  LumoImage result(gray.width, gray.height, LUMO_IMG_GRAY);
-  if (gray.width <= 0 || gray.height <= 0) return result;
-  const auto width = static_cast<std::size_t>(gray.width);
-  const auto height = static_cast<std::size_t>(gray.height);
+// Row by row and a band at a time, so that none of the images between exists as a whole.
+void ditherRowsForTattoo(TattooVariant variant, const GrayRows& page, std::uint8_t* out,
+                         std::ptrdiff_t outStride) {
+  // Quirk: early-threshold. In both variants that of the page before its tone curve.
+  const int threshold = momentsThreshold(page);
+  const auto curve = variant == TattooVariant::kX8 ? piecewiseGammaTable(threshold, 0.5f, 1.5f)
+                                                   : piecewiseGammaTable(64, 0.85f, 0.7f);
   constexpr float kWeight = kSharpenPercent / 100.0f;
+  const auto width = static_cast<std::size_t>(page.width);
+  const auto height = static_cast<std::size_t>(page.height);
 
-  BlurredRows rows(gray, curve.data(), kUnsharpSigma);
+  BlurredRows rows(page, curve.data(), kUnsharpSigma);
   kernels::SixTapDiffuser diffuser(width, height, static_cast<float>(threshold));
   for (std::size_t top = 0; top < height; top += kernels::SixTapDiffuser::kBandRows) {
     const std::size_t count = std::min(kernels::SixTapDiffuser::kBandRows, height - top);
@@ -54,27 +41,33 @@ LumoImage curveSharpenAndDiffuse(const LumoImage& gray, const std::array<std::ui
     }
     diffuser.diffuseBand();
     for (std::size_t row = 0; row < count; ++row) {
-      std::memcpy(result.data + (top + row) * width, diffuser.output(row), width);
+      std::memcpy(out + static_cast<std::ptrdiff_t>(top + row) * outStride, diffuser.output(row),
+                  width);
     }
+  }
+}
+
+namespace {
+
+LumoImage ditherForTattoo(TattooVariant variant, const LumoImage& input) {
+  if (hasNoPixels(input)) return input;
+  LumoImage result(input.width, input.height, LUMO_IMG_GRAY);
+  if (input.width < 0) return result;  // and so the height: no pixel either
+  if (input.color == LUMO_IMG_GRAY && input.channels == 1) {
+    ditherRowsForTattoo(variant, rowsOf(input), result.data, result.width);
+  } else {
+    const LumoImage gray = cvtGray(input);
+    ditherRowsForTattoo(variant, rowsOf(gray), result.data, result.width);
   }
   return result;
 }
 
 }  // namespace
 
-// Quirk: early-threshold. In both variants the threshold is that of the page before its tone curve.
-
 LumoImage lumoTattooDithering(LumoImage& input) {
-  if (hasNoPixels(input)) return input;
-  const GrayLevels gray(input);
-  const int threshold = thresh_global_moments(gray.image());
-  return curveSharpenAndDiffuse(gray.image(), piecewiseGammaTable(64, 0.85f, 0.7f), threshold);
+  return ditherForTattoo(TattooVariant::kPlain, input);
 }
 
 LumoImage lumoTattooDitheringX8(LumoImage& input) {
-  if (hasNoPixels(input)) return input;
-  const GrayLevels gray(input);
-  const int threshold = thresh_global_moments(gray.image());
-  return curveSharpenAndDiffuse(gray.image(), piecewiseGammaTable(threshold, 0.5f, 1.5f),
-                                threshold);
+  return ditherForTattoo(TattooVariant::kX8, input);
 }

@@ -183,12 +183,9 @@ class CxImage {
   bool Dither(std::int64_t method);
 
  private:
-  template <typename IsWhite>
-  void DitherPoints(CxImage& result, IsWhite isWhite) const;
-  void DitherThreshold(CxImage& result) const;
-  void DitherOrderedFixed(CxImage& result) const;
-  void DitherOrderedComputed(CxImage& result) const;
-  void DitherErrorDiffusion(std::int64_t method, CxImage& result);
+  /// Sets the pixels of `result` whose level is above their entry in the 4x4 `thresholds`.
+  void DitherPoints(const std::uint8_t* thresholds, CxImage& result) const;
+  void DitherErrorDiffusion(std::int64_t method, CxImage& result) const;
 
   bool Contains(std::int64_t x, std::int64_t y) const {
     return x >= 0 && x < header.biWidth && y >= 0 && y < header.biHeight;

@@ -2,8 +2,8 @@
 #
 # One static library, tarvo_NAME, for the folder NAME. Its headers are included as
 # "NAME/header.h", and only by the targets that link it: each floor has an include root of its own
-# that holds nothing but a link to its folder, so an include from a floor that is not named in ON
-# does not build.
+# that holds nothing but a link to its folder, so an include from a floor above, or from one beside
+# it, does not build. (The floors below those named in ON come along; tools/check holds the rest.)
 function(tarvo_floor name)
   cmake_parse_arguments(FLOOR "" "" "SOURCES;ON;LIBRARIES" ${ARGN})
   set(root ${CMAKE_BINARY_DIR}/floors/${name})

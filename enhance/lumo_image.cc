@@ -49,6 +49,7 @@ LumoImage::LumoImage(const LumoImage& other)
 
 // Quirk: self-assignment. There is no test for it, deliberately: the old buffer is gone before its
 // bytes are copied.
+// cppcheck-suppress operatorEqToSelf
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
 LumoImage& LumoImage::operator=(const LumoImage& other) {
   width = other.width;

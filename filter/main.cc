@@ -2,14 +2,19 @@
 //
 // main tells the road of a job: check the arguments, open the input, read the settings, send the
 // preamble, then for each page header, setup commands, pixels, print; then close everything.
+//
+// SIGTERM, with which the spooler cancels, is the end of the input: whoever reads pages finds none,
+// and the road ends as after the last page. What was begun before is sent whole.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <exception>
 #include <memory>
-#include <new>
 
 #include "common/file.h"
 #include "common/log.h"
+#include "common/termination.h"
 #include "common/text.h"
 #include "filter/page_check.h"
 #include "filter/raster_input.h"
@@ -108,6 +113,15 @@ void configurePrinter(TarvoPrinter& printer, const Settings& settings,
   printer.setNegativePrint(settings.NegativeImage != 0);
 }
 
+/// The bits of an enumeration that the input filled: they need not be one of its values.
+template <typename Enumeration>
+unsigned bitsOf(const Enumeration& field) {
+  unsigned bits = 0;
+  static_assert(sizeof field == sizeof bits);
+  std::memcpy(&bits, &field, sizeof bits);
+  return bits;
+}
+
 void logPage(int page, const cups_page_header2_s& header) {
   const auto log = [](const char* name, unsigned value) {
     tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
@@ -122,8 +136,8 @@ void logPage(int page, const cups_page_header2_s& header) {
   log("cupsBitsPerColor", header.cupsBitsPerColor);
   log("cupsBitsPerPixel", header.cupsBitsPerPixel);
   log("cupsBytesPerLine", header.cupsBytesPerLine);
-  log("cupsColorOrder", header.cupsColorOrder);
-  log("cupsColorSpace", header.cupsColorSpace);
+  log("cupsColorOrder", bitsOf(header.cupsColorOrder));
+  log("cupsColorSpace", bitsOf(header.cupsColorSpace));
   log("cupsCompression", header.cupsCompression);
   log("cupsRowCount", header.cupsRowCount);
   log("cupsRowFeed", header.cupsRowFeed);
@@ -180,6 +194,10 @@ int printJob(RasterInput& input, const char* options) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoCatchTermination();
+  // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
+  // written in pieces can swallow another filter's, or be torn by it.
+  std::setvbuf(stderr, nullptr, _IOLBF, 4096);
   if (argc < 6) {
     printUsage(argc > 0 ? argv[0] : nullptr);
     return 1;
@@ -192,8 +210,8 @@ int main(int argc, char* argv[]) {
   }
   try {
     return printJob(input, argv[5]);
-  } catch (const std::bad_alloc&) {
-    tarvoLogCommon(3, "Out of memory!");
+  } catch (const std::exception& failure) {  // no memory, a length that none could have
+    tarvoLogCommon(3, "Unable to go on: %s", failure.what());
     return 1;
   }
 }

@@ -3,6 +3,16 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "common/termination.h"
+
+namespace {
+
+ssize_t readRaster(void* descriptor, unsigned char* bytes, std::size_t size) {
+  return tarvoReadUnlessTerminated(*static_cast<const int*>(descriptor), bytes, size);
+}
+
+}  // namespace
+
 RasterInput::~RasterInput() {
   if (raster_ != nullptr) cupsRasterClose(raster_);
   if (descriptor_ > 0) close(descriptor_);
@@ -13,12 +23,14 @@ bool RasterInput::openFile(const char* path) {
   return descriptor_ != -1;
 }
 
-void RasterInput::openRaster() { raster_ = cupsRasterOpen(descriptor_, CUPS_RASTER_READ); }
+void RasterInput::openRaster() {
+  raster_ = cupsRasterOpenIO(readRaster, &descriptor_, CUPS_RASTER_READ);
+}
 
 bool RasterInput::readHeader(cups_page_header2_t& header) {
-  return raster_ != nullptr && cupsRasterReadHeader2(raster_, &header) != 0;
+  return raster_ != nullptr && cupsRasterReadHeader2(raster_, &header) != 0 && !tarvoIsTerminated();
 }
 
 bool RasterInput::readPixels(unsigned char* pixels, std::uint32_t size) {
-  return cupsRasterReadPixels(raster_, pixels, size) >= 1;
+  return cupsRasterReadPixels(raster_, pixels, size) >= 1 && !tarvoIsTerminated();
 }

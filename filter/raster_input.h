@@ -6,7 +6,8 @@
 
 #include <cstdint>
 
-/// Reads pages from a file or from standard input, one after another.
+/// Reads pages from a file or from standard input, one after another. SIGTERM ends the input, as
+/// soon as it comes.
 class RasterInput {
  public:
   /// Standard input.

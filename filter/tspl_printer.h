@@ -10,6 +10,7 @@ class TsplPrinter : public TarvoPrinter {
   /// Sends BITMAP with the dots of `height` rows of `width` bytes, a line end, and PRINT with the
   /// page header's copies. A 0 byte gives a 1 bit (paper), any other a 0 bit (a printed dot);
   /// leftmost dot in the most significant bit, padding bits 1. Returns what setPrint returns.
+  /// After SIGTERM nothing is begun: a bitmap that was is sent whole, PRINT is left out; returns 0.
   /// Quirk: row-step. Rows are taken `width` bytes apart; `bytesPerLine` is not used.
   /// REQUIRES: a page header.
   int doPrintImage(const unsigned char* data, unsigned long bytesPerLine, unsigned long height,

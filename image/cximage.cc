@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+#include "common/text.h"
+
 namespace {
 
 constexpr std::uint32_t kHeaderBytes = sizeof(BITMAPINFOHEADER);
@@ -19,20 +21,14 @@ std::uint32_t supportedDepth(std::uint32_t bpp) {
 
 std::uint32_t colorsOfDepth(std::uint32_t bpp) { return bpp == 24 ? 0 : 1u << bpp; }
 
-template <std::size_t size>
-void setText(char (&field)[size], const char* text) {
-  const std::size_t length = std::min(std::strlen(text), size - 1);
-  std::memcpy(field, text, length);
-  field[length] = '\0';
-}
-
 }  // namespace
 
 std::uint8_t* CxImage::Create(std::uint32_t width, std::uint32_t height, std::uint32_t bpp,
                               std::uint32_t imageType) {
   Destroy();
   if (width == 0 || height == 0) {
-    setText(info.lastError, "CxImage::Create : width and height must be greater than zero");
+    tarvoStrCpy(info.lastError, "CxImage::Create : width and height must be greater than zero",
+                sizeof(info.lastError));
     return nullptr;
   }
   bpp = supportedDepth(bpp);
@@ -42,7 +38,7 @@ std::uint8_t* CxImage::Create(std::uint32_t width, std::uint32_t height, std::ui
   const std::uint32_t pixels = width * height;
   const std::uint32_t bits = pixels * bpp;
   if (bits / 8 > 0x7FFFFFFF || bits / bpp != pixels) {
-    setText(info.lastError, "CXIMAGE_MAX_MEMORY exceeded");
+    tarvoStrCpy(info.lastError, "CXIMAGE_MAX_MEMORY exceeded", sizeof(info.lastError));
     return nullptr;
   }
 
@@ -64,7 +60,7 @@ std::uint8_t* CxImage::Create(std::uint32_t width, std::uint32_t height, std::ui
     dib = static_cast<std::uint8_t*>(std::calloc(1, static_cast<std::size_t>(blockBytes)));
   }
   if (dib == nullptr) {
-    setText(info.lastError, "CxImage::Create can't allocate memory");
+    tarvoStrCpy(info.lastError, "CxImage::Create can't allocate memory", sizeof(info.lastError));
     return nullptr;
   }
   std::memcpy(dib, &header, kHeaderBytes);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "common/text.h"
 #include "image/cximage.h"
 #include "kernels/bytes.h"
 
@@ -58,17 +59,18 @@ bool CxImage::Expand(std::int64_t left, std::int64_t top, std::int64_t right, st
                      tagRGBQUAD canvasColor) {
   if (dib == nullptr || left < 0 || top < 0 || right < 0 || bottom < 0) return false;
 
-  // Sizes beyond 32 bits become sizes that Create refuses; it tells the reason.
   constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
-  const auto grown = [](std::int64_t size, std::int64_t before, std::int64_t after) {
-    const bool fits = before <= kMost && after <= kMost && size + before + after <= kMost;
-    return static_cast<std::uint32_t>(fits ? size + before + after : kMost);
-  };
-  const std::uint32_t newWidth = grown(header.biWidth, left, right);
-  const std::uint32_t newHeight = grown(header.biHeight, bottom, top);
+  const std::int64_t widest = std::max({left, top, right, bottom});
+  const std::int64_t newWidth = widest <= kMost ? header.biWidth + left + right : widest;
+  const std::int64_t newHeight = widest <= kMost ? header.biHeight + bottom + top : widest;
+  if (newWidth > kMost || newHeight > kMost) {
+    tarvoStrCpy(info.lastError, "CXIMAGE_MAX_MEMORY exceeded", sizeof(info.lastError));
+    return false;
+  }
 
   CxImage canvas;
-  if (!CreateLike(canvas, newWidth, newHeight, header.biBitCount)) {
+  if (!CreateLike(canvas, static_cast<std::uint32_t>(newWidth),
+                  static_cast<std::uint32_t>(newHeight), header.biBitCount)) {
     CopyLastError(canvas);
     return false;
   }

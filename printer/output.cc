@@ -4,6 +4,7 @@
 #include "printer/tarvo_printer.h"
 
 void TarvoPrinter::printBytes(const unsigned char* data, unsigned long length) {
+  if (length == 0) return;  // `data` may be null then, which fwrite must not be given
   for (std::FILE* stream : outputStreams_) std::fwrite(data, length, 1, stream);
 }
 

@@ -38,10 +38,10 @@ LumoImage withoutGaps(CxImage& page, int stride, int width, int height) {
 
 long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* data, int stride,
                                int width, int height, unsigned char* out) {
-  return ProcessPage(halftoneType, data, stride, width, height, out);
+  return processPage(halftoneType, data, stride, width, height, out);
 }
 
-long TarvoPrinter::ProcessPage(DitherType halftoneType, const unsigned char* data, int stride,
+long TarvoPrinter::processPage(DitherType halftoneType, const unsigned char* data, int stride,
                                int width, int height, unsigned char* out) {
   useLumoDithering_ = halftoneType_ == Tattoo || halftoneType_ == Tattoo_X8;
   tarvoLogCommon(0, "PageProcess: Lumo dithering is %s",
@@ -73,7 +73,7 @@ long TarvoPrinter::ProcessPage(DitherType halftoneType, const unsigned char* dat
   }
 
   if (useLumoDithering_) {
-    if (!DitherForTattoo(stride, width, height, out)) return 0;
+    if (!ditherForTattoo(stride, width, height, out)) return 0;
   } else {
     cximage_.Dither(halftoneType);
     cximage_.IncreaseBpp(8);
@@ -105,7 +105,7 @@ long TarvoPrinter::ProcessPage(DitherType halftoneType, const unsigned char* dat
   return length;
 }
 
-bool TarvoPrinter::DitherForTattoo(int stride, int width, int height, unsigned char* out) {
+bool TarvoPrinter::ditherForTattoo(int stride, int width, int height, unsigned char* out) {
   if (out != nullptr) copyPixels(cximage_, out, width, height, stride);
   tarvoLogCommon(0,
                  "PageProcess: Copied pixels to the output buffer for Lumo dithering, with stride "

@@ -51,9 +51,9 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
   } else {
     const std::size_t size = std::size_t{bytesPerLine} * height;
     tarvoLogCommon(0, "printImage: Memory allocated successfully, size: %zu bytes", size);
-    const BlankEdges blank = MeasureBlankEdges(data, bytesPerLine, height, width);
+    const BlankEdges blank = measureBlankEdges(data, bytesPerLine, height, width);
 
-    DumpImage("/var/spool/cups/tmp/origin_%d-%d-%d_%d_%d_%d_%ld.bmp",
+    dumpImage("/var/spool/cups/tmp/origin_%d-%d-%d_%d_%d_%d_%ld.bmp",
               "printImage: Saving original image, file path will be generated based on time", data,
               bytesPerLine, height, width);
 
@@ -68,10 +68,10 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
       tarvoLogCommon(
           0, "printImage: Memory for processing result allocated successfully, size: %zu bytes",
           size);
-      ProcessPage(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
+      processPage(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
                   static_cast<int>(height), nullptr);
-      LogProcessedPage(blank, result.get(), bytesPerLine, height, width);
-      PrintProcessedImage();
+      logProcessedPage(blank, result.get(), bytesPerLine, height, width);
+      printProcessedImage();
     }
   }
 
@@ -90,7 +90,7 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
   tarvoLogCommon(0, "printImage: Image processing completed");
 }
 
-TarvoPrinter::BlankEdges TarvoPrinter::MeasureBlankEdges(const unsigned char* data,
+TarvoPrinter::BlankEdges TarvoPrinter::measureBlankEdges(const unsigned char* data,
                                                          unsigned long bytesPerLine,
                                                          unsigned long height,
                                                          unsigned long width) const {
@@ -115,7 +115,7 @@ TarvoPrinter::BlankEdges TarvoPrinter::MeasureBlankEdges(const unsigned char* da
   return blank;
 }
 
-void TarvoPrinter::LogProcessedPage(const BlankEdges& blank, const unsigned char* result,
+void TarvoPrinter::logProcessedPage(const BlankEdges& blank, const unsigned char* result,
                                     unsigned long bytesPerLine, unsigned long height,
                                     unsigned long width) const {
   // Quirk: blank-edges-logged. What was measured reaches the log alone; the whole page is printed.
@@ -137,7 +137,7 @@ void TarvoPrinter::LogProcessedPage(const BlankEdges& blank, const unsigned char
                  std::size_t{blank.top}, std::size_t{blank.bottom}, std::size_t{adjustedHeight});
 }
 
-void TarvoPrinter::DumpImage(const char* pathTemplate, const char* announcement,
+void TarvoPrinter::dumpImage(const char* pathTemplate, const char* announcement,
                              const unsigned char* data, unsigned long bytesPerLine,
                              unsigned long height, unsigned long width) {
   tarvoStrCpy(imagePath_, pathTemplate, sizeof(imagePath_));
@@ -145,15 +145,19 @@ void TarvoPrinter::DumpImage(const char* pathTemplate, const char* announcement,
   if (data != nullptr) saveImage(data, bytesPerLine, height, width, 8);
 }
 
-void TarvoPrinter::PrintProcessedImage() {
-  // Emptied by a failed CreateFromArray: as good as none.
-  CxImage* image = pimage_ != nullptr && pimage_->IsValid() ? pimage_ : nullptr;
+void TarvoPrinter::printProcessedImage() {
+  // Emptied by a failed CreateFromArray, or left at one bit a pixel by a failed IncreaseBpp: as
+  // good as none.
+  constexpr std::uint32_t kColorsOf8Bits = 256;
+  const bool printable =
+      pimage_ != nullptr && pimage_->IsValid() && pimage_->GetNumColors() == kColorsOf8Bits;
+  CxImage* image = printable ? pimage_ : nullptr;
   const unsigned char* pixels = image != nullptr ? image->GetBits(0) : nullptr;
   const unsigned long rowBytes = image != nullptr ? image->GetEffWidth() : 0;
   const unsigned long rows = image != nullptr ? image->GetHeight() : 0;
   const unsigned long dots = image != nullptr ? image->GetWidth() : 0;
 
-  DumpImage("/var/spool/cups/tmp/dithered_%d-%d-%d_%d_%d_%d_%ld.bmp",
+  dumpImage("/var/spool/cups/tmp/dithered_%d-%d-%d_%d_%d_%d_%ld.bmp",
             "printImage: Saving processed image, file path will be generated based on time", pixels,
             rowBytes, rows, dots);
   tarvoLogCommon(0, "printImage: Starting to print the processed image");

@@ -164,22 +164,22 @@ class TarvoPrinter {
   };
 
   // The steps of printImage.
-  BlankEdges MeasureBlankEdges(const unsigned char* data, unsigned long bytesPerLine,
+  BlankEdges measureBlankEdges(const unsigned char* data, unsigned long bytesPerLine,
                                unsigned long height, unsigned long width) const;
-  void LogProcessedPage(const BlankEdges& blank, const unsigned char* result,
+  void logProcessedPage(const BlankEdges& blank, const unsigned char* result,
                         unsigned long bytesPerLine, unsigned long height,
                         unsigned long width) const;
-  void DumpImage(const char* pathTemplate, const char* announcement, const unsigned char* data,
+  void dumpImage(const char* pathTemplate, const char* announcement, const unsigned char* data,
                  unsigned long bytesPerLine, unsigned long height, unsigned long width);
-  void PrintProcessedImage();
+  void printProcessedImage();
 
   /// PageProcess, which leaves out the copy when `out` is null.
-  long ProcessPage(DitherType halftoneType, const unsigned char* data, int stride, int width,
+  long processPage(DitherType halftoneType, const unsigned char* data, int stride, int width,
                    int height, unsigned char* out);
 
-  /// The tattoo halftones of ProcessPage: the page in cximage_ becomes ditheredImage_ and the
+  /// The tattoo halftones of processPage: the page in cximage_ becomes ditheredImage_ and the
   /// current image. False when that image can't be made.
-  bool DitherForTattoo(int stride, int width, int height, unsigned char* out);
+  bool ditherForTattoo(int stride, int width, int height, unsigned char* out);
 };
 
 #endif  // TARVO_PRINTER_TARVO_PRINTER_H_

@@ -119,13 +119,15 @@ TEST_P(Model, TellsTheSpoolerWhatItMustKnow) {
       {"cupsManualCopies", "False"},
       {"cupsSNMPSupplies", "False"},
       {"tarvoFilterOutputFile", "/var/spool/cups/tmp/tarvo"},
-      {"cupsFilter", "application/vnd.cups-raster 0 rastertotarvo"},
+      {"cupsFilter2", "application/vnd.tarvo-raster application/octet-stream 0 rastertotarvo"},
   };
   for (const auto& expected : kAttributes) {
     const ppd_attr_t* attribute = ppdFindAttr(ppd_.get(), expected.name, nullptr);
     ASSERT_NE(attribute, nullptr) << expected.name;
     EXPECT_STREQ(attribute->value, expected.value) << expected.name;
   }
+  // It would offer the spooler a way around rastertoaligned.
+  EXPECT_EQ(ppdFindAttr(ppd_.get(), "cupsFilter", nullptr), nullptr);
 }
 
 // The filter takes the number at the front of these choices; each must be a whole one.

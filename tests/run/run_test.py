@@ -145,9 +145,10 @@ class RunTest(unittest.TestCase):
             "pdfwrite", "square.pdf",
             "<</PageSize[288 432]>>setpagedevice 72 288 72 72 rectfill showpage")
         result = self.run_it(document)
-        self.assertRegex(result.stdout, r"page 1: 812 x 1218 dots, printed in \d+\.\d{3} s")
+        self.assertRegex(result.stdout, r"page 1: 816 x 1218 dots, printed in \d+\.\d{3} s")
         page = self.only_page("square")
-        self.assertIn("SIZE 101.6 mm, 152.4 mm", page.commands)
+        # 812 dots are filled up to 816, a multiple of 8: 816 / 203 * 25.4.
+        self.assertIn("SIZE 102.1 mm, 152.4 mm", page.commands)
         blank = "." * 816
         self.assertEqual(page.row(202), blank)
         for y in (203, 300, 405):
@@ -220,7 +221,7 @@ class RunTest(unittest.TestCase):
         page = self.only_page("left")
         for command in ("SPEED 4", "DENSITY 8", "DIRECTION 1,0", "BLINE 2.0 mm, 0.0 mm"):
             self.assertIn(command, page.commands)
-        self.assertEqual(page.row(7), "." * 712 + "#" * 100 + "....")
+        self.assertEqual(page.row(7), "." * 716 + "#" * 100)
         self.run_it("-o", "MirrorImage", "-o", "noMirrorImage", document)
         self.assertEqual(self.only_page("left").row(7), "#" * 100 + "." * 716)
 
@@ -228,24 +229,18 @@ class RunTest(unittest.TestCase):
         document = self.write("note.txt", "note\n")
         self.run_it("--model", "label-300dpi", "-o", "PageSize=Custom.4.5x3cm", document)
         page = self.only_page("note")
-        # 45 mm are 531.5 dots at 300 dpi, and 67 bytes hold 532.
+        # 45 mm are 531.5 dots at 300 dpi; 536 are a multiple of 8, in 67 bytes.
         self.assertEqual((page.stride, page.height), (67, 354))
         self.run_it("-o", "PageSize=Custom.104x50mm", document)
-        self.assertIn("SIZE 104.0 mm, 50.0 mm", self.only_page("note").commands)
-
-    def test_says_when_the_rows_of_a_custom_size_step_sideways(self):
-        document = self.write("note.txt", "note\n")
-        # 104 mm are 831 dots.
-        result = self.run_it("-o", "PageSize=Custom.104x50mm", document)
-        self.assertIn("831 is no multiple of 4", result.stdout)
-        self.assertNotIn("no multiple", self.run_it("-o", "PageSize=100x150mm", document).stdout)
+        # 104 mm are 831 dots at 203 dpi, filled up to 832.
+        self.assertIn("SIZE 104.1 mm, 50.0 mm", self.only_page("note").commands)
 
     def test_says_when_choices_exclude_each_other(self):
         document = self.write("note.txt", "note\n")
         result = self.run_it("-o", "NegativeImage", document)
         self.assertIn("note: HalftoneType=None does not go with NegativeImage=True", result.stdout)
         page = self.only_page("note")
-        self.assertEqual(page.ink(), 812 * 1218)  # a label of ink
+        self.assertEqual(page.ink(), 816 * 1218)  # a label of ink
         result = self.run_it("-o", "NegativeImage", "-o", "HalftoneType=Tattoo", document)
         self.assertNotIn("note:", result.stdout)
 
@@ -257,6 +252,7 @@ class RunTest(unittest.TestCase):
         for model, size, portrait in (("label-203dpi", "4x6", True), ("label-203dpi", "2x1", False),
                                       ("label-203dpi", "100x150mm", True),
                                       ("label-203dpi", "3x2", False),
+                                      ("label-203dpi", "Custom.104x151mm", True),
                                       ("label-300dpi", "76x51mm", False),
                                       ("stencil-a4-300dpi", "Tattoo_A6", True)):
             with self.subTest(model=model, size=size):

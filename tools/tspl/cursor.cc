@@ -52,7 +52,7 @@ std::string Quote(std::string_view text) {
 }
 
 std::string_view Cursor::Text(std::uint64_t from, std::uint64_t to) const {
-  return {reinterpret_cast<const char*>(bytes_.data()) + from, to - from};
+  return {reinterpret_cast<const char*>(bytes_.data()) + (from - start_), to - from};
 }
 
 bool Cursor::Sees(std::string_view text) const { return Rest().starts_with(text); }
@@ -61,7 +61,7 @@ bool Cursor::Literal(std::string_view text) {
   const std::string_view rest = Rest();
   const std::size_t common = static_cast<std::size_t>(
       std::mismatch(text.begin(), text.end(), rest.begin(), rest.end()).first - text.begin());
-  if (common < text.size()) return Fail(at_ + common, Quote(text.substr(common)));
+  if (common < text.size()) return Fail(offset() + common, Quote(text.substr(common)));
   at_ += text.size();
   return true;
 }
@@ -78,8 +78,8 @@ bool Cursor::Integer(std::string_view what, std::int64_t least, std::int64_t mos
     good = value >= least && value <= most;
   }
   if (!good) {
-    return Fail(
-        at_, std::string(what) + " from " + std::to_string(least) + " to " + std::to_string(most));
+    return Fail(offset(), std::string(what) + " from " + std::to_string(least) + " to " +
+                              std::to_string(most));
   }
   at_ += digits.size() + (negative ? 1 : 0);
   return true;
@@ -91,7 +91,7 @@ bool Cursor::Length(std::int64_t& tenths) {
   const std::string_view tail = rest.substr(whole.size());
   if (whole.empty() || whole.size() > kMostLengthDigits || tail.size() < 2 || tail[0] != '.' ||
       !IsDigit(tail[1])) {
-    return Fail(at_, "a length in millimetres with one decimal");
+    return Fail(offset(), "a length in millimetres with one decimal");
   }
   tenths = Value(whole) * 10 + (tail[1] - '0');
   at_ += whole.size() + 2;
@@ -103,7 +103,7 @@ bool Cursor::Printable(std::string_view what, std::size_t most, std::string_view
   const std::size_t length = static_cast<std::size_t>(
       std::find_if_not(rest.begin(), rest.end(), IsPrintable) - rest.begin());
   if (length == 0 || length > most) {
-    return Fail(at_, std::string(what) + " of 1 to " + std::to_string(most) + " characters");
+    return Fail(offset(), std::string(what) + " of 1 to " + std::to_string(most) + " characters");
   }
   text = rest.substr(0, length);
   at_ += length;
@@ -114,9 +114,9 @@ bool Cursor::Bytes(std::uint64_t count, std::string_view what,
                    std::span<const std::uint8_t>& data) {
   const std::size_t left = bytes_.size() - at_;
   if (count > left) {
-    return Fail(bytes_.size(), std::to_string(count) + " bytes of " + std::string(what) +
-                                   " from byte " + std::to_string(at_) + " on, " +
-                                   std::to_string(count - left) + " more");
+    return Fail(end(), std::to_string(count) + " bytes of " + std::string(what) + " from byte " +
+                           std::to_string(offset()) + " on, " + std::to_string(count - left) +
+                           " more");
   }
   data = bytes_.subspan(at_, count);
   at_ += count;
@@ -125,7 +125,7 @@ bool Cursor::Bytes(std::uint64_t count, std::string_view what,
 
 bool Cursor::Fail(std::uint64_t offset, std::string expected) {
   if (malformed_) return false;
-  const std::string_view rest = Text(offset, bytes_.size());
+  const std::string_view rest = Text(offset, end());
   std::string found = "the end of the stream";
   if (rest.size() >= kShownBytes) {
     found = Quote(rest.substr(0, kShownBytes));

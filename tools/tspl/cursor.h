@@ -21,14 +21,15 @@ std::string Quote(std::string_view text);
 /// be chained with &&.
 class Cursor {
  public:
-  /// `bytes` must outlive the cursor and what it hands out.
-  explicit Cursor(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+  /// `bytes` must outlive the cursor and what it hands out. They stand at `start` in their stream,
+  /// and all offsets are the stream's.
+  Cursor(std::span<const std::uint8_t> bytes, std::uint64_t start) : bytes_(bytes), start_(start) {}
 
-  std::uint64_t offset() const { return at_; }
+  std::uint64_t offset() const { return start_ + at_; }
   bool AtEnd() const { return at_ == bytes_.size(); }
   const std::optional<Malformed>& malformed() const { return malformed_; }
 
-  /// The bytes from `from` up to `to`, as text. REQUIRES: from <= to <= the stream's size.
+  /// The bytes from `from` up to `to`, as text. REQUIRES: start <= from <= to <= the stream's end.
   std::string_view Text(std::uint64_t from, std::uint64_t to) const;
 
   /// Whether `text` comes next; moves nothing and never fails.
@@ -56,10 +57,12 @@ class Cursor {
   bool Fail(std::uint64_t offset, std::string expected);
 
  private:
-  std::string_view Rest() const { return Text(at_, bytes_.size()); }
+  std::uint64_t end() const { return start_ + bytes_.size(); }
+  std::string_view Rest() const { return Text(offset(), end()); }
 
   std::span<const std::uint8_t> bytes_;
-  std::size_t at_ = 0;
+  std::uint64_t start_;
+  std::size_t at_ = 0;  // in bytes_
   std::optional<Malformed> malformed_;
 };
 

@@ -16,6 +16,7 @@ constexpr std::int64_t kLeastInt = std::numeric_limits<std::int32_t>::min();
 
 // The filter copies the speed from a text of a print setting, which holds 40 characters.
 constexpr std::size_t kMostSpeedCharacters = 40;
+static_assert(kLongestHead > sizeof "SPEED \r\n" + kMostSpeedCharacters);
 
 struct Rule {
   Kind kind;
@@ -57,10 +58,10 @@ bool EndsJob(Kind kind) {
 
 class Reader {
  public:
-  explicit Reader(std::span<const std::uint8_t> bytes) : in_(bytes) {}
+  Reader(std::span<const std::uint8_t> bytes, std::uint64_t offset) : in_(bytes, offset) {}
 
-  Stream Run() {
-    bool good = Next(Kind::kPreamble);
+  Stream Run(bool with_preamble) {
+    bool good = !with_preamble || Next(Kind::kPreamble);
     while (good && !in_.AtEnd()) good = Choose() && Next(chosen_);
     stream_.malformed = in_.malformed();
     return std::move(stream_);
@@ -69,8 +70,7 @@ class Reader {
  private:
   // Which of the commands that may follow the last one does.
   bool Choose() {
-    const Kind last = stream_.commands.back().kind;
-    const std::vector<Kind>& choices = RuleOf(last).next;
+    const std::vector<Kind>& choices = RuleOf(last_).next;
     std::string expected;
     for (std::size_t i = 0; i < choices.size(); ++i) {
       const std::string_view head = RuleOf(choices[i]).head;
@@ -78,11 +78,11 @@ class Reader {
         chosen_ = choices[i];
         return true;
       }
-      const bool last_choice = i + 1 == choices.size() && !EndsJob(last);
+      const bool last_choice = i + 1 == choices.size() && !EndsJob(last_);
       expected += i == 0 ? "" : last_choice ? " or " : ", ";
       expected += Quote(head);
     }
-    if (EndsJob(last)) expected += " or the end of the stream";
+    if (EndsJob(last_)) expected += " or the end of the stream";
     return in_.Fail(in_.offset(), std::move(expected));
   }
 
@@ -92,6 +92,7 @@ class Reader {
     if (!Body(kind)) return false;
     const std::uint64_t end = in_.offset();
     stream_.commands.push_back({kind, start, end - start, Line(kind, start, end)});
+    last_ = kind;
     if (kind == Kind::kPreamble) return true;
     if (kind == Kind::kSize) {
       page_.first_command = stream_.commands.size() - 1;
@@ -242,6 +243,7 @@ class Reader {
   Cursor in_;
   Stream stream_;
   Page page_{};
+  Kind last_ = Kind::kPreamble;
   Kind chosen_ = Kind::kPreamble;
   bool action_taken_ = false;
 };
@@ -254,6 +256,10 @@ std::string_view Name(Kind kind) {
   return head.substr(0, head.find_last_not_of(" \r\n") + 1);
 }
 
-Stream Read(std::span<const std::uint8_t> bytes) { return Reader(bytes).Run(); }
+Stream Read(std::span<const std::uint8_t> bytes) { return Reader(bytes, 0).Run(true); }
+
+Stream ReadPages(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
+  return Reader(bytes, offset).Run(false);
+}
 
 }  // namespace tspl

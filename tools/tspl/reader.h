@@ -85,6 +85,15 @@ struct Stream {
 /// there, whatever their numbers claim.
 Stream Read(std::span<const std::uint8_t> bytes);
 
+/// Reads on in a stream whose preamble, or a whole page, ends before `bytes`: as Read(), but
+/// without a preamble. `offset` is where `bytes` stand in the stream, whose start all offsets count
+/// from.
+Stream ReadPages(std::span<const std::uint8_t> bytes, std::uint64_t offset);
+
+/// With this many bytes behind its offset or more, a failure stays one whatever else arrives: no
+/// command is so long before its dots. Nearer to the end it may only be that bytes are missing.
+constexpr std::uint64_t kLongestHead = 64;
+
 }  // namespace tspl
 
 #endif  // TARVO_TSPL_READER_H_

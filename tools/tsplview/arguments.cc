@@ -1,13 +1,12 @@
 #include "tsplview/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <filesystem>
+
+#include "program/program.h"
 
 namespace tsplview {
 namespace {
-
-constexpr int kMostDpi = 100000;
 
 constexpr const char* kDescription =
     R"(Reads a stream of TSPL commands as rastertotarvo writes it, checks every byte of it, and says
@@ -45,8 +44,8 @@ Exit status:
   2  wrong usage, or a file that cannot be read or written
 
 Examples:
-  tsplview out/label.tspl
-  tsplview --list --png pictures out/label.tspl
+  tsplview out/shipping-label.tspl
+  tsplview --list --png pictures out/shipping-label.tspl
   rastertotarvo 1 me title 1 "" page.ras | tsplview -)";
 
 std::string BaseNameWithoutExtension(const std::string& file) {
@@ -58,10 +57,8 @@ std::string BaseNameWithoutExtension(const std::string& file) {
 }  // namespace
 
 std::optional<int> ParseArguments(int argc, char** argv, Arguments& arguments) {
-  CLI::App app{kDescription, "tsplview"};
+  CLI::App app{kDescription};
   app.footer(kFooter);
-  app.set_version_flag("--version", "tsplview " TSPLVIEW_VERSION, "Print the version and end");
-  app.set_help_flag("-h,--help", "Print this help and end");
   app.add_option("FILE", arguments.file, "The stream to read; - is standard input")
       ->required()
       ->type_name("");
@@ -80,19 +77,9 @@ std::optional<int> ParseArguments(int argc, char** argv, Arguments& arguments) {
       ->type_name("NAME")
       ->needs(png)
       ->check(is_name);
-  app.add_option("--dpi", arguments.dpi, "Take N dots for an inch rather than what fits SIZE")
-      ->type_name("N")
-      ->check(CLI::Range(1, kMostDpi));
+  program::AddDpi(app, arguments.dpi);
 
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& success) {
-    app.exit(success);
-    return 0;
-  } catch (const CLI::ParseError& error) {
-    std::fprintf(stderr, "tsplview: %s (tsplview --help says how to use it)\n", error.what());
-    return 2;
-  }
+  if (const auto status = program::Parse(app, argc, argv)) return status;
   if (arguments.name.empty()) arguments.name = BaseNameWithoutExtension(arguments.file);
   return std::nullopt;
 }

@@ -8,27 +8,24 @@
 #include <system_error>
 #include <vector>
 
+#include "program/program.h"
 #include "tspl/label.h"
-#include "tspl/picture.h"
+#include "tspl/picture_file.h"
 #include "tspl/reader.h"
+#include "tspl/report.h"
 #include "tsplview/arguments.h"
-#include "tsplview/report.h"
 
 namespace {
 
-constexpr int kGood = 0;
-constexpr int kMalformed = 1;
-constexpr int kTrouble = 2;
+using program::Complain;
+using program::kGood;
+using program::kMalformed;
+using program::kTrouble;
 
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
-
-int Complain(const std::string& what, const std::string& why) {
-  std::fprintf(stderr, "tsplview: %s: %s\n", what.c_str(), why.c_str());
-  return kTrouble;
-}
 
 // All of `in`; false, with errno set, when reading it fails.
 bool ReadWhole(std::FILE* in, std::vector<std::uint8_t>& bytes) {
@@ -56,7 +53,7 @@ void List(const tspl::Stream& stream) {
   const tspl::Page* page = nullptr;
   for (const tspl::Command& command : stream.commands) {
     if (command.kind == tspl::Kind::kSize) page = &stream.pages[next_page++];
-    std::puts(tsplview::CommandLine(command, page).c_str());
+    std::puts(tspl::CommandLine(command, page).c_str());
   }
 }
 
@@ -65,21 +62,9 @@ void Summarise(const tspl::Stream& stream, const tsplview::Arguments& arguments)
   for (std::size_t i = 0; i < stream.pages.size(); ++i) {
     const tspl::Page& page = stream.pages[i];
     const tspl::Command& last = stream.commands[page.first_command + page.command_count - 1];
-    const std::string line =
-        tsplview::PageLine(page, last, tspl::MeasureLabel(page, arguments.dpi));
+    const std::string line = tspl::PageLine(page, last, tspl::MeasureLabel(page, arguments.dpi));
     std::printf("page %zu: %s\n", i + 1, line.c_str());
   }
-}
-
-// A picture that could not be finished is removed: half a picture would pass for a whole one.
-int DrawPage(const tspl::Page& page, const tspl::Label& label, const std::string& path) {
-  File file(std::fopen(path.c_str(), "wb"));
-  if (!file) return Complain(path, std::strerror(errno));
-  std::string error = tspl::WritePicture(page, label, file.get());
-  if (std::fclose(file.release()) != 0 && error.empty()) error = std::strerror(errno);
-  if (error.empty()) return kGood;
-  std::remove(path.c_str());
-  return Complain(path, error);
 }
 
 int Draw(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
@@ -91,9 +76,10 @@ int Draw(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
     const tspl::Page& page = stream.pages[i];
     const std::optional<tspl::Label> label = tspl::MeasureLabel(page, arguments.dpi);
     if (!label) continue;
-    const std::string file = arguments.name + "-" + std::to_string(i + 1) + ".png";
-    const int status = DrawPage(page, *label, (folder / file).string());
-    if (status != kGood) return status;
+    const std::string name = arguments.name + "-" + std::to_string(i + 1) + ".png";
+    const std::string path = (folder / name).string();
+    const std::string why = tspl::SavePicture(page, *label, path, tspl::Existing::kReplace);
+    if (!why.empty()) return Complain(path, why);
   }
   return kGood;
 }
@@ -108,15 +94,10 @@ int Run(const tsplview::Arguments& arguments) {
   } else if (!stream.malformed) {
     Summarise(stream, arguments);
   }
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    return Complain("standard output", "not all of it could be written");
-  }
+  if (!program::FinishOutput()) return kTrouble;
 
   if (stream.malformed) {
-    const tspl::Malformed& wrong = *stream.malformed;
-    std::fprintf(stderr, "tsplview: %s: byte %llu: expected %s, found %s\n", arguments.file.c_str(),
-                 static_cast<unsigned long long>(wrong.offset), wrong.expected.c_str(),
-                 wrong.found.c_str());
+    Complain(arguments.file, tspl::MalformedLine(*stream.malformed));
     return kMalformed;
   }
   return arguments.png ? Draw(stream, arguments) : kGood;
@@ -125,12 +106,9 @@ int Run(const tsplview::Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
+  return program::Main("tsplview", [&] {
     tsplview::Arguments arguments;
     if (const auto status = tsplview::ParseArguments(argc, argv, arguments)) return *status;
     return Run(arguments);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "tsplview: %s\n", error.what());
-    return kTrouble;
-  }
+  });
 }

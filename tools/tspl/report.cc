@@ -1,11 +1,11 @@
-#include "tsplview/report.h"
+#include "tspl/report.h"
 
 #include <zlib.h>
 
 #include <cinttypes>
 #include <cstdio>
 
-namespace tsplview {
+namespace tspl {
 namespace {
 
 constexpr std::size_t kOffsetColumn = 10;
@@ -21,7 +21,7 @@ std::string Hex32(std::uint32_t value) {
 }
 
 // A BITMAP's size in dots; its rows are whole bytes, so that a page can be up to 7 dots narrower.
-std::string Dots(const tspl::Bitmap& bitmap) {
+std::string Dots(const Bitmap& bitmap) {
   return std::to_string(std::uint64_t{bitmap.width_bytes} * 8) + " x " +
          std::to_string(bitmap.height_dots) + " dots";
 }
@@ -40,7 +40,7 @@ std::string PerInch(double dpi) {
   return decimal.ends_with(".0") ? decimal.substr(0, decimal.size() - 2) : decimal;
 }
 
-std::string Dpi(const tspl::Label& label) {
+std::string Dpi(const Label& label) {
   if (label.dpi_x == label.dpi_y) return PerInch(label.dpi_x) + " dpi";
   return PerInch(label.dpi_x) + " x " + PerInch(label.dpi_y) + " dpi";
 }
@@ -51,34 +51,33 @@ std::string Copies(std::int32_t copies) {
 
 // A page that is complete but for its dots is one whose pixels the filter could not read; any
 // other is cut off by the end of the stream.
-std::string WhyNotPrinted(tspl::Kind last) {
+std::string WhyNotPrinted(Kind last) {
   switch (last) {
-    case tspl::Kind::kCls:
+    case Kind::kCls:
       return "not printed: no BITMAP follows its CLS";
-    case tspl::Kind::kBitmap:
+    case Kind::kBitmap:
       return "not printed: the stream ends before PRINT";
     default:
-      return "not printed: the stream ends after " + std::string(tspl::Name(last));
+      return "not printed: the stream ends after " + std::string(Name(last));
   }
 }
 
 }  // namespace
 
-std::string CommandLine(const tspl::Command& command, const tspl::Page* page) {
+std::string CommandLine(const Command& command, const Page* page) {
   std::string line = std::to_string(command.offset);
   if (line.size() < kOffsetColumn) line.insert(0, kOffsetColumn - line.size(), ' ');
   line += "  ";
-  line += command.kind == tspl::Kind::kPreamble ? tspl::Name(command.kind) : command.text;
-  if (command.kind == tspl::Kind::kBitmap) {
-    const tspl::Bitmap& bitmap = *page->bitmap;
+  line += command.kind == Kind::kPreamble ? Name(command.kind) : command.text;
+  if (command.kind == Kind::kBitmap) {
+    const Bitmap& bitmap = *page->bitmap;
     line += "  " + Dots(bitmap) + ", " + std::to_string(bitmap.data.size()) + " bytes, CRC-32 " +
             Crc32(bitmap.data);
   }
   return line;
 }
 
-std::string PageLine(const tspl::Page& page, const tspl::Command& last,
-                     const std::optional<tspl::Label>& label) {
+std::string PageLine(const Page& page, const Command& last, const std::optional<Label>& label) {
   std::string line =
       Millimetres(page.width_tenths_mm) + " x " + Millimetres(page.height_tenths_mm) + " mm";
   if (page.bitmap) line += ", " + Dots(*page.bitmap);
@@ -88,4 +87,9 @@ std::string PageLine(const tspl::Page& page, const tspl::Command& last,
   return line;
 }
 
-}  // namespace tsplview
+std::string MalformedLine(const Malformed& wrong) {
+  return "byte " + std::to_string(wrong.offset) + ": expected " + wrong.expected + ", found " +
+         wrong.found;
+}
+
+}  // namespace tspl

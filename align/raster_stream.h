@@ -1,0 +1,72 @@
+// CUPS raster in and out, a row at a time. SIGTERM ends both at once, also while they wait.
+#ifndef TARVO_ALIGN_RASTER_STREAM_H_
+#define TARVO_ALIGN_RASTER_STREAM_H_
+
+#include <cups/raster.h>
+
+#include <cstdint>
+#include <memory>
+
+struct RasterCloser {
+  void operator()(cups_raster_t* raster) const { cupsRasterClose(raster); }
+};
+
+/// The pages that come.
+class RasterReader {
+ public:
+  /// From a descriptor that stays the caller's.
+  explicit RasterReader(int descriptor) : descriptor_(descriptor) {}
+  RasterReader(const RasterReader&) = delete;
+  RasterReader& operator=(const RasterReader&) = delete;
+
+  /// Reads what tells a raster stream from anything else. False when it is none: see hasBytes and
+  /// error.
+  bool open();
+
+  /// Reads the header of the next page. False when there is none, which is the end of the stream
+  /// unless hasBytes or error says otherwise.
+  bool readHeader(cups_page_header2_t& header);
+
+  /// Reads a row of the page whose header came last. False when it is not all there.
+  bool readRow(std::uint8_t* row, std::uint32_t size);
+
+  /// Whether anything came since the last page, or since the start.
+  bool hasBytes() const { return bytes_ > 0; }
+
+  /// Why reading failed, as errno has it; 0 when it did not.
+  int error() const { return error_; }
+
+ private:
+  static ssize_t read(void* self, unsigned char* bytes, std::size_t size);
+
+  int descriptor_;
+  int error_ = 0;
+  std::uint64_t bytes_ = 0;
+  std::unique_ptr<cups_raster_t, RasterCloser> raster_;
+};
+
+/// The pages that go on, uncompressed.
+class RasterWriter {
+ public:
+  explicit RasterWriter(int descriptor) : descriptor_(descriptor) {}
+  RasterWriter(const RasterWriter&) = delete;
+  RasterWriter& operator=(const RasterWriter&) = delete;
+
+  /// Writes the start of a raster stream. This and what follows are false when writing failed: see
+  /// error.
+  bool open();
+  bool writeHeader(cups_page_header2_t header);
+  bool writeRow(std::uint8_t* row, std::uint32_t size);
+
+  /// Why writing failed, as errno has it; 0 when it did not.
+  int error() const { return error_; }
+
+ private:
+  static ssize_t write(void* self, unsigned char* bytes, std::size_t size);
+
+  int descriptor_;
+  int error_ = 0;
+  std::unique_ptr<cups_raster_t, RasterCloser> raster_;
+};
+
+#endif  // TARVO_ALIGN_RASTER_STREAM_H_

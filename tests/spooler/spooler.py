@@ -1,0 +1,272 @@
+"""A CUPS of a test's own: its folders, its port, our filters and models. Never the system's.
+
+Environment: TARVO_BUILD_DIR, the build folder with the filters, the PPD files and tsplview;
+TARVO_SOURCE_DIR, the root of the sources.
+"""
+import glob
+import os
+import re
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+BUILD = os.environ["TARVO_BUILD_DIR"]
+SOURCE = os.environ["TARVO_SOURCE_DIR"]
+LABEL203 = f"{BUILD}/ppd/tarvo-label-203dpi.ppd"
+LABEL300 = f"{BUILD}/ppd/tarvo-label-300dpi.ppd"
+STENCIL = f"{BUILD}/ppd/tarvo-stencil-a4-300dpi.ppd"
+FILTERS = {"imagetopicture": f"{SOURCE}/align/imagetopicture",
+           "picturetolayout": f"{SOURCE}/align/picturetolayout",
+           "rastertoaligned": f"{BUILD}/align/rastertoaligned",
+           "rastertotarvo": f"{BUILD}/filter/rastertotarvo"}
+PRELOAD = f"{BUILD}/tests/support/libtarvo_test_redirect.so"
+
+# A filter whose dumps of the pages and trace file land in the test's folder. The process is the
+# filter's, with its signals and descriptors. It runs a copy: the user of the filters may not see
+# into the folder of the sources.
+KEEPING_DUMPS = """#!/bin/sh
+ours=$CUPS_SERVERBIN/ours
+export LD_PRELOAD="$ours/redirect.so" TARVO_TEST_FOLDER={dumps} \\
+  ASAN_OPTIONS=verify_asan_link_order=0
+exec "$ours/{name}" "$@"
+"""
+
+FINAL_STATES = ("completed", "canceled", "aborted", "stopped")
+
+os.environ["PATH"] += ":/usr/sbin:/sbin"
+
+
+def cups_config(name, fallback):
+    answer = subprocess.run(["sh", "-c", f"cups-config --{name}"], text=True, capture_output=True)
+    return answer.stdout.strip() or fallback
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Spooler:
+    """Started, used and stopped in a with statement.
+
+    filters: scripts that stand in for ours, by name. error_policy and kill_delay (seconds from
+    cancelling to killing) as in cupsd.conf.
+    """
+
+    def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
+        self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
+        self._daemon = None
+        self._guardian = subprocess.Popen(
+            [sys.executable, os.path.join(os.path.dirname(__file__), "guardian.py"), self.folder],
+            stdin=subprocess.PIPE)
+        try:
+            self.port = free_port()
+            self._lay_out(filters or {})
+            self._configure(error_policy, kill_delay)
+            self._start()
+        except BaseException:
+            self.stop()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
+        if self._daemon is not None:
+            self._daemon.terminate()
+            self._daemon.wait(10)
+            self._daemon = None
+        self._guardian.stdin.close()
+        self._guardian.wait()
+        limit = time.monotonic() + 10
+        while os.path.exists(self.folder) and time.monotonic() < limit:
+            time.sleep(0.02)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    # Setting it up
+
+    def _lay_out(self, stand_ins):
+        os.chmod(self.folder, 0o755)  # filters of a root cupsd are started as lp
+        for name in ("etc/ppd", "etc/ssl", "bin/filter", "bin/ours", "data/drv", "data/mime", "cache",
+                     "run/certs", "spool/tmp", "log", "home", "dumps/spool"):
+            os.makedirs(self.path(name))
+        for name in ("dumps", "dumps/spool"):
+            os.chmod(self.path(name), 0o777)
+        server, data = cups_config("serverbin", "/usr/lib/cups"), cups_config("datadir", "/usr/share/cups")
+        for entry in glob.glob(f"{server}/*"):
+            if os.path.basename(entry) != "filter":
+                os.symlink(entry, self.path("bin/" + os.path.basename(entry)))
+        for entry in glob.glob(f"{server}/filter/*"):
+            if os.path.basename(entry) not in FILTERS:
+                os.symlink(entry, self.path("bin/filter/" + os.path.basename(entry)))
+        shutil.copy(PRELOAD, self.path("bin/ours/redirect.so"))
+        for name, original in FILTERS.items():
+            shutil.copy(original, self.path("bin/ours/" + name))
+            self._install_filter(name, stand_ins.get(name) or
+                                 KEEPING_DUMPS.format(dumps=self.path("dumps"), name=name))
+        for entry in glob.glob(f"{data}/*"):
+            if os.path.basename(entry) not in ("drv", "mime"):
+                os.symlink(entry, self.path("data/" + os.path.basename(entry)))
+        for entry in glob.glob(f"{data}/mime/*") + glob.glob(f"{SOURCE}/ppd/tarvo.[tc]*s"):
+            shutil.copy(entry, self.path("data/mime/" + os.path.basename(entry)))
+        shutil.copy(f"{SOURCE}/ppd/tarvo.drv", self.path("data/drv/tarvo.drv"))
+
+    def _install_filter(self, name, script):
+        target = self.path("bin/filter/" + name)
+        with open(target, "w", encoding="utf-8") as file:
+            file.write(script)
+        os.chmod(target, 0o755)
+
+    def _configure(self, error_policy, kill_delay):
+        root = self.folder
+        group = "root" if os.geteuid() == 0 else subprocess.run(
+            ["id", "-gn"], text=True, capture_output=True, check=True).stdout.strip()
+        files = f"""\
+ServerRoot {root}/etc
+ServerBin {root}/bin
+DataDir {root}/data
+DocumentRoot {root}/data/doc-root
+CacheDir {root}/cache
+StateDir {root}/run
+RequestRoot {root}/spool
+TempDir {root}/spool/tmp
+ServerKeychain {root}/etc/ssl
+AccessLog {root}/log/access_log
+ErrorLog {root}/log/error_log
+PageLog {root}/log/page_log
+SystemGroup {group}
+FileDevice Yes
+"""
+        daemon = f"""\
+Listen 127.0.0.1:{self.port}
+LogLevel debug
+MaxLogSize 0
+PageLogFormat %p %j %P %C
+DefaultAuthType None
+DefaultEncryption Never
+Browsing No
+BrowseLocalProtocols none
+WebInterface No
+DirtyCleanInterval 0
+PreserveJobFiles Yes
+JobRetryInterval 2
+JobKillDelay {kill_delay}
+ErrorPolicy {error_policy}
+<Location />
+  Order allow,deny
+  Allow 127.0.0.1
+</Location>
+<Policy default>
+  <Limit All>
+    Order deny,allow
+  </Limit>
+</Policy>
+"""
+        for name, text in (("cups-files.conf", files), ("cupsd.conf", daemon)):
+            with open(self.path("etc/" + name), "w", encoding="utf-8") as file:
+                file.write(text)
+
+    def _start(self):
+        self.environment = dict(os.environ, CUPS_SERVER=f"127.0.0.1:{self.port}",
+                                HOME=self.path("home"), LC_ALL="C.UTF-8", SOFTWARE="tarvo")
+        with open(self.path("log/console"), "w", encoding="utf-8") as console:
+            self._daemon = subprocess.Popen(
+                ["cupsd", "-f", "-c", self.path("etc/cupsd.conf"), "-s",
+                 self.path("etc/cups-files.conf")],
+                stdin=subprocess.DEVNULL, stdout=console, stderr=console)
+        self._guardian.stdin.write(f"{self._daemon.pid}\n".encode())
+        self._guardian.stdin.flush()
+        limit = time.monotonic() + 10
+        while time.monotonic() < limit:
+            if self._daemon.poll() is not None:
+                break
+            try:
+                socket.create_connection(("127.0.0.1", self.port), 1).close()
+                return
+            except OSError:
+                time.sleep(0.02)
+        raise RuntimeError("cupsd does not start:\n" + self.read("log/console") +
+                           self.read("log/error_log"))
+
+    # Using it
+
+    def run(self, *command, check=True):
+        """Runs a client, such as lp, for this CUPS. Its standard output, and error after it."""
+        answer = subprocess.run(command, env=self.environment, text=True, capture_output=True,
+                                timeout=60)
+        if check and answer.returncode != 0:
+            raise RuntimeError(f"{' '.join(command)}: {answer.returncode}: {answer.stderr}")
+        return answer.stdout + answer.stderr
+
+    def read(self, name):
+        try:
+            with open(self.path(name), encoding="utf-8", errors="replace") as file:
+                return file.read()
+        except OSError:
+            return ""
+
+    def add_queue(self, name, ppd, uri, *options):
+        """options: Option=Choice, the queue's own defaults."""
+        self.run("lpadmin", "-p", name, "-P", ppd, "-v", uri, "-E",
+                 *(word for option in options for word in ("-o", option)))
+
+    def print(self, queue, document, *options, copies=1):
+        """Sends a job with lp. Its number."""
+        answer = self.run("lp", "-d", queue, "-n", str(copies),
+                          *(word for option in options for word in ("-o", option)), document)
+        return int(re.search(r"request id is \S+-(\d+) ", answer)[1])
+
+    def job(self, number):
+        """The attributes of a job that tests ask for, as texts."""
+        test = self.path("home/job.test")
+        with open(test, "w", encoding="utf-8") as file:
+            file.write("""{
+  OPERATION Get-Job-Attributes
+  GROUP operation-attributes-tag
+  ATTR charset attributes-charset utf-8
+  ATTR naturalLanguage attributes-natural-language en
+  ATTR uri job-uri $uri
+  ATTR keyword requested-attributes all
+  DISPLAY job-state
+  DISPLAY job-state-reasons
+  DISPLAY job-printer-state-message
+  DISPLAY job-media-progress
+  DISPLAY job-impressions-completed
+  DISPLAY job-printer-uri
+}
+""")
+        answer = self.run("ipptool", "-tv", f"ipp://127.0.0.1:{self.port}/jobs/{number}", test,
+                          check=False)
+        return dict(re.findall(r"^ +([a-z-]+) \([^)]*\) = (.*)$", answer, re.M))
+
+    def wait(self, number, states=FINAL_STATES, seconds=40):
+        """Waits for a state of the job, a final one by default. The job's attributes."""
+        limit = time.monotonic() + seconds
+        while True:
+            job = self.job(number)
+            state = job.get("job-state", "").replace("processing-stopped", "stopped")
+            if state in states:
+                return dict(job, state=state)
+            if time.monotonic() > limit:
+                raise AssertionError(f"job {number} is {state} after {seconds} s:\n" +
+                                     self.job_log(number))
+            time.sleep(0.05)
+
+    def job_log(self, number):
+        """What the error log says of the job."""
+        return "\n".join(line for line in self.read("log/error_log").splitlines()
+                         if f"[Job {number}]" in line)
+
+    def page_log(self, number):
+        """The page log's lines on the job: (page, copies) each."""
+        return [tuple(line.split()[2:4]) for line in self.read("log/page_log").splitlines()
+                if line.split()[1] == str(number)]

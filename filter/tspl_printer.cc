@@ -1,19 +1,11 @@
 #include "filter/tspl_printer.h"
 
-#include <algorithm>
 #include <vector>
 
 #include "common/termination.h"
 #include "kernels/bits.h"
 
 TarvoPrinter* sPrinter = nullptr;
-
-namespace {
-
-/// About how many bytes go out in one write.
-constexpr unsigned long kWriteBytes = 1ul << 16;
-
-}  // namespace
 
 int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPerLine*/,
                               unsigned long height, unsigned long width) {
@@ -22,17 +14,12 @@ int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPe
   if (tarvoIsTerminated()) return 0;
   const unsigned long packedBytes = (width + 7) / 8;
   setBitmapCmdHead(0, 0, static_cast<int>(packedBytes), static_cast<int>(height), 0);
-  const unsigned long rowsAtOnce = std::max(kWriteBytes / std::max(packedBytes, 1ul), 1ul);
-  std::vector<unsigned char> packed(std::min(rowsAtOnce, height) * packedBytes);
-  for (unsigned long y = 0; y < height;) {
-    const unsigned long end = std::min(height, y + rowsAtOnce);
-    unsigned char* to = packed.data();
-    for (; y < end; ++y, to += packedBytes) {
-      // Quirk: row-step. By the width, although the rows of an image are padded to multiples of 4:
-      // at other widths each row starts a little further left in the one before it.
-      kernels::packZeros(data + y * width, width, to);
-    }
-    printBytes(packed.data(), static_cast<unsigned long>(to - packed.data()));
+  std::vector<unsigned char> packed(packedBytes);
+  for (unsigned long y = 0; y < height; ++y) {
+    // Quirk: row-step. By the width, although the rows of an image are padded to multiples of 4:
+    // at other widths each row starts a little further left in the one before it.
+    kernels::packZeros(data + y * width, width, packed.data());
+    printBytes(packed.data(), packedBytes);
   }
   printStr("\r\n");
   if (tarvoIsTerminated()) return 0;

@@ -109,7 +109,9 @@ class SixTap {
     }
     innerRows_ = hn::Load(d8, inner);
     alignas(64) std::int32_t next[kLanes];
-    for (std::int32_t lane = 0; lane < kLanes; ++lane) next[lane] = (lane + 1) % kLanes;
+    for (std::int32_t lane = 0; lane < kLanes; ++lane) {
+      next[lane] = static_cast<std::int32_t>((lane + 1) % kLanes);
+    }
     nextLane_ = hn::Load(Ints(), next);
   }
 

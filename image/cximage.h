@@ -27,8 +27,9 @@ struct ImageInfo {
 /// significant bits; pixels of 24 bits are blue, green, red bytes.
 ///
 /// An image is empty (no block) or valid. Operations on an empty image return their neutral value
-/// (0, null, false, a zero colour) and touch no memory. Nothing throws. The block is released when
-/// the image is emptied, overwritten or destroyed.
+/// (0, null, false, a zero colour) and touch no memory. Nothing throws, but Dither when there is no
+/// memory for the few rows that it works on. The block is released when the image is emptied,
+/// overwritten or destroyed.
 class CxImage {
  public:
   /// An empty image, every field zero.

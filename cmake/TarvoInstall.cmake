@@ -3,6 +3,7 @@
 #   tarvo_install_filter(TARGET)      CUPS's filter folder, and man/TARGET.8
 #   tarvo_install_filter_scripts(FILE...)   CUPS's filter folder
 #   tarvo_install_tool(TARGET)        the programs' folder, and man/TARGET.1
+#   tarvo_install_script(NAME)        the programs' folder, and man/NAME.1
 #   tarvo_install_cups_data(FOLDER FILE...)   a folder of CUPS's data: drv, mime, ...
 #
 # CUPS looks for filters and models in its own two folders and nowhere else, so those are where it
@@ -73,6 +74,11 @@ endfunction()
 function(tarvo_install_tool target)
   install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   tarvo_install_manual(${target}.1)
+endfunction()
+
+function(tarvo_install_script name)
+  install(PROGRAMS ${name} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  tarvo_install_manual(${name}.1)
 endfunction()
 
 function(tarvo_install_cups_data folder)

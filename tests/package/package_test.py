@@ -21,7 +21,7 @@ SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file_
 NAME = "printer-driver-tarvo"
 FILTERS = ["rastertoaligned", "rastertotarvo"]
 SCRIPTS = ["imagetopicture", "picturetolayout"]
-TOOLS = ["tsplprinter", "tsplview"]
+TOOLS = ["tarvo-report", "tsplprinter", "tsplview"]
 MIME = ["tarvo.convs", "tarvo.types"]
 MODELS = ["tarvo-label-203dpi.ppd", "tarvo-label-300dpi.ppd", "tarvo-stencil-a4-300dpi.ppd"]
 

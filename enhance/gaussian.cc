@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "enhance/blurred_rows.h"
 #include "enhance/lumo_math.h"
+#include "kernels/blur.h"
 
 namespace {
 
@@ -51,6 +53,16 @@ LumoImage convolve1D(const LumoImage& src, const double* kernel, int ksize, bool
 }
 
 LumoImage enh_gaussian_filter_fast(const LumoImage& src, int ksize, double sigma) {
+  if (ksize == BlurredRows::kTaps && src.width > 0 && src.height > 0) {
+    LumoImage result(src);
+    BlurredRows rows(rowsOf(src), nullptr, sigma);
+    for (int y = 0; y < src.height; ++y) {
+      rows.next();
+      kernels::sharpenRow(rows.levels(), rows.blurred(), static_cast<std::size_t>(src.width), 0.0f,
+                          1.0f, result.data + std::int64_t{y} * src.width);
+    }
+    return result;
+  }
   std::vector<double> kernel(tapsWritten(ksize));
   generateGaussianKernel1D(ksize, sigma, kernel.data());
   return convolve1D(convolve1D(src, kernel.data(), ksize, true), kernel.data(), ksize, false);

@@ -1,9 +1,11 @@
 #include "enhance/moments_threshold.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "enhance/lumo_math.h"
+#include "kernels/bytes.h"
 
 namespace {
 
@@ -13,10 +15,18 @@ constexpr int kNoLevel = -1;
 using Histogram = std::array<float, 256>;
 
 /// Share of the pixels at each level.
-Histogram normalisedHistogram(const LumoImage& img) {
-  const std::int64_t pixels = std::int64_t{img.width} * img.height;
+Histogram normalisedHistogram(const GrayRows& image) {
   std::array<std::int64_t, 256> counts{};
-  for (std::int64_t i = 0; i < pixels; ++i) ++counts[img.data[i]];
+  const auto width = static_cast<std::size_t>(std::max(image.width, 0));
+  if (image.stride == image.width) {
+    kernels::countLevels(image.levels, width * static_cast<std::size_t>(std::max(image.height, 0)),
+                         counts.data());
+  } else {
+    for (int y = 0; y < image.height; ++y) {
+      kernels::countLevels(image.row(y), width, counts.data());
+    }
+  }
+  const std::int64_t pixels = std::int64_t{image.width} * image.height;
   Histogram shares;
   for (std::size_t i = 0; i < shares.size(); ++i) {
     shares[i] = static_cast<float>(counts[i]) / static_cast<float>(pixels);
@@ -36,8 +46,10 @@ int levelAbove(const Histogram& shares, float target) {
 
 }  // namespace
 
-int thresh_global_moments(const LumoImage& img) {
-  const Histogram shares = normalisedHistogram(img);
+int thresh_global_moments(const LumoImage& img) { return momentsThreshold(rowsOf(img)); }
+
+int momentsThreshold(const GrayRows& image) {
+  const Histogram shares = normalisedHistogram(image);
 
   const float m0 = 1.0f;
   float m1 = 0.0f;

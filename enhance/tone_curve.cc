@@ -1,9 +1,9 @@
 #include "enhance/tone_curve.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "enhance/lumo_math.h"
+#include "kernels/bytes.h"
 
 std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gammaLow, float gammaHigh) {
   const auto pivotLevel = static_cast<float>(pivot);
@@ -30,6 +30,7 @@ std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gammaLow, flo
 void enh_piecewise_gamma(LumoImage& img, int pivot, float gammaLow, float gammaHigh) {
   const auto table = piecewiseGammaTable(pivot, gammaLow, gammaHigh);
   const std::int64_t pixels = std::int64_t{img.width} * img.height;
-  std::transform(img.data, img.data + pixels, img.data,
-                 [&table](std::uint8_t level) { return table[level]; });
+  if (pixels > 0) {
+    kernels::lookUp(img.data, static_cast<std::size_t>(pixels), table.data(), img.data);
+  }
 }

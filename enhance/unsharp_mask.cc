@@ -18,7 +18,6 @@ LumoImage add_Weighted(const LumoImage& a, const LumoImage& b, float w) {
 }
 
 LumoImage enh_unsharp_mask(const LumoImage& src, float amount, int ksize) {
-  constexpr double kSigma = 3.0;  // Quirk: fixed-sigma. Whatever the kernel size.
   const float weight = amount / 100.0f;
-  return add_Weighted(src, enh_gaussian_filter_fast(src, ksize, kSigma), weight);
+  return add_Weighted(src, enh_gaussian_filter_fast(src, ksize, kUnsharpSigma), weight);
 }

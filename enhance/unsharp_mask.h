@@ -4,6 +4,9 @@
 
 #include "enhance/lumo_image.h"
 
+/// Quirk: fixed-sigma. The blur's, whatever its kernel size.
+inline constexpr double kUnsharpSigma = 3.0;
+
 /// a x (1 + w) - b x w for each byte, rounded and clamped to 0..255. REQUIRES: `b` has at least as
 /// many pixels as `a`.
 LumoImage add_Weighted(const LumoImage& a, const LumoImage& b, float w);

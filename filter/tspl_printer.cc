@@ -3,23 +3,9 @@
 #include <vector>
 
 #include "common/termination.h"
+#include "kernels/bits.h"
 
 TarvoPrinter* sPrinter = nullptr;
-
-namespace {
-
-/// Packs a row of `width` bytes into `packed`, whose bits must be clear: 0 gives a 1 bit.
-void packRow(const unsigned char* row, unsigned long width, unsigned char* packed) {
-  for (unsigned long x = 0; x < width; ++x) {
-    if (row[x] == 0) packed[x / 8] = static_cast<unsigned char>(packed[x / 8] | 0x80 >> (x % 8));
-  }
-  // Padding is paper.
-  if (width % 8 != 0) {
-    packed[width / 8] = static_cast<unsigned char>(packed[width / 8] | 0xFF >> (width % 8));
-  }
-}
-
-}  // namespace
 
 int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPerLine*/,
                               unsigned long height, unsigned long width) {
@@ -30,10 +16,9 @@ int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPe
   setBitmapCmdHead(0, 0, static_cast<int>(packedBytes), static_cast<int>(height), 0);
   std::vector<unsigned char> packed(packedBytes);
   for (unsigned long y = 0; y < height; ++y) {
-    packed.assign(packedBytes, 0);
     // Quirk: row-step. By the width, although the rows of an image are padded to multiples of 4:
     // at other widths each row starts a little further left in the one before it.
-    packRow(data + y * width, width, packed.data());
+    kernels::packZeros(data + y * width, width, packed.data());
     printBytes(packed.data(), packedBytes);
   }
   printStr("\r\n");

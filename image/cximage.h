@@ -27,8 +27,9 @@ struct ImageInfo {
 /// significant bits; pixels of 24 bits are blue, green, red bytes.
 ///
 /// An image is empty (no block) or valid. Operations on an empty image return their neutral value
-/// (0, null, false, a zero colour) and touch no memory. Nothing throws. The block is released when
-/// the image is emptied, overwritten or destroyed.
+/// (0, null, false, a zero colour) and touch no memory. Nothing throws, but Dither when there is no
+/// memory for the few rows that it works on. The block is released when the image is emptied,
+/// overwritten or destroyed.
 class CxImage {
  public:
   /// An empty image, every field zero.
@@ -183,12 +184,9 @@ class CxImage {
   bool Dither(std::int64_t method);
 
  private:
-  template <typename IsWhite>
-  void DitherPoints(CxImage& result, IsWhite isWhite) const;
-  void DitherThreshold(CxImage& result) const;
-  void DitherOrderedFixed(CxImage& result) const;
-  void DitherOrderedComputed(CxImage& result) const;
-  void DitherErrorDiffusion(std::int64_t method, CxImage& result);
+  /// Sets the pixels of `result` whose level is above their entry in the 4x4 `thresholds`.
+  void DitherPoints(const std::uint8_t* thresholds, CxImage& result) const;
+  void DitherErrorDiffusion(std::int64_t method, CxImage& result) const;
 
   bool Contains(std::int64_t x, std::int64_t y) const {
     return x >= 0 && x < header.biWidth && y >= 0 && y < header.biHeight;

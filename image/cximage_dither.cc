@@ -2,30 +2,59 @@
 #include <array>
 
 #include "image/cximage.h"
+#include "kernels/bits.h"
 
 namespace {
 
-constexpr std::uint8_t kWhiteAbove = 128;
-
 constexpr std::size_t kOrder = 4;
 
-constexpr std::uint8_t kFixedMatrix[kOrder][kOrder] = {
-    {0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+/// A pixel is white when its level is above the entry at its position modulo 4. Row by row.
+using Thresholds = std::array<std::array<std::uint8_t, kOrder>, kOrder>;
 
-/// Thresholds of the computed 4x4 matrix: bits of the two coordinates, interleaved.
-constexpr std::array<std::uint8_t, kOrder * kOrder> computedMatrix() {
-  std::array<std::uint8_t, kOrder * kOrder> matrix{};
-  for (std::size_t i = 0; i < matrix.size(); ++i) {
-    std::size_t a = i / kOrder;
-    std::size_t b = i % kOrder;
-    std::size_t entry = 0;
-    for (std::size_t bit = 0; bit < kOrder; ++bit, a >>= 1, b >>= 1) {
-      entry = ((entry * 2) | ((a ^ b) & 1)) * 2 | (b & 1);
-    }
-    matrix[i] = static_cast<std::uint8_t>(entry);
-  }
-  return matrix;
+constexpr std::uint8_t kWhiteAbove = 128;
+
+constexpr Thresholds sameEverywhere(std::uint8_t threshold) {
+  Thresholds thresholds{};
+  for (auto& row : thresholds) row.fill(threshold);
+  return thresholds;
 }
+
+/// A pixel is white when its level, scaled to 0..16, is above its entry in the fixed matrix; only
+/// level 255 scales to 16, which is above all.
+constexpr Thresholds fixedMatrix() {
+  constexpr int kMatrix[kOrder][kOrder] = {
+      {0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+  Thresholds thresholds{};
+  for (std::size_t y = 0; y < kOrder; ++y) {
+    for (std::size_t x = 0; x < kOrder; ++x) {
+      int black = 254;
+      while (black * 16 / 255 > kMatrix[y][x]) --black;
+      thresholds[y][x] = static_cast<std::uint8_t>(black);
+    }
+  }
+  return thresholds;
+}
+
+/// The computed matrix: bits of the two coordinates, interleaved.
+constexpr Thresholds computedMatrix() {
+  Thresholds thresholds{};
+  for (std::size_t y = 0; y < kOrder; ++y) {
+    for (std::size_t x = 0; x < kOrder; ++x) {
+      std::size_t a = y;
+      std::size_t b = x;
+      std::size_t entry = 0;
+      for (std::size_t bit = 0; bit < kOrder; ++bit, a >>= 1, b >>= 1) {
+        entry = ((entry * 2) | ((a ^ b) & 1)) * 2 | (b & 1);
+      }
+      thresholds[y][x] = static_cast<std::uint8_t>(entry);
+    }
+  }
+  return thresholds;
+}
+
+constexpr Thresholds kThreshold = sameEverywhere(kWhiteAbove);
+constexpr Thresholds kOrderedFixed = fixedMatrix();
+constexpr Thresholds kOrderedComputed = computedMatrix();
 
 }  // namespace
 
@@ -40,13 +69,13 @@ bool CxImage::Dither(std::int64_t method) {
   }
   switch (method) {
     case 0:
-      DitherThreshold(result);
+      DitherPoints(&kThreshold[0][0], result);
       break;
     case 1:
-      DitherOrderedFixed(result);
+      DitherPoints(&kOrderedFixed[0][0], result);
       break;
     case 7:
-      DitherOrderedComputed(result);
+      DitherPoints(&kOrderedComputed[0][0], result);
       break;
     default:
       DitherErrorDiffusion(method, result);
@@ -58,33 +87,16 @@ bool CxImage::Dither(std::int64_t method) {
   return true;
 }
 
-/// Sets the pixels of `result` whose level satisfies `isWhite(level, x, y)`.
-template <typename IsWhite>
-void CxImage::DitherPoints(CxImage& result, IsWhite isWhite) const {
-  for (std::int32_t y = 0; y < header.biHeight; ++y) {
-    for (std::int32_t x = 0; x < header.biWidth; ++x) {
-      if (isWhite(BlindGetPixelIndex(x, y), static_cast<std::size_t>(x),
-                  static_cast<std::size_t>(y)))
-        result.BlindSetPixelIndex(x, y, 1);
+void CxImage::DitherPoints(const std::uint8_t* thresholds, CxImage& result) const {
+  for (std::uint32_t y = 0; y < GetHeight(); ++y) {
+    const std::uint8_t* row = thresholds + y % kOrder * kOrder;
+    if (header.biBitCount == 8) {
+      kernels::packAbove(info.bits + std::size_t{y} * info.effWidth, GetWidth(), row,
+                         result.GetBits(y));
+      continue;
+    }
+    for (std::uint32_t x = 0; x < GetWidth(); ++x) {
+      if (BlindGetPixelIndex(x, y) > row[x % kOrder]) result.BlindSetPixelIndex(x, y, 1);
     }
   }
-}
-
-void CxImage::DitherThreshold(CxImage& result) const {
-  DitherPoints(result, [](int level, std::size_t, std::size_t) { return level > kWhiteAbove; });
-}
-
-void CxImage::DitherOrderedFixed(CxImage& result) const {
-  DitherPoints(result, [](int level, std::size_t x, std::size_t y) {
-    const int scaled = level * 16 / 255;
-    const int base = scaled / 16;  // 1 for level 255 alone: white everywhere
-    return base == 1 || kFixedMatrix[y % kOrder][x % kOrder] < scaled % 16;
-  });
-}
-
-void CxImage::DitherOrderedComputed(CxImage& result) const {
-  static constexpr auto kMatrix = computedMatrix();
-  DitherPoints(result, [](int level, std::size_t x, std::size_t y) {
-    return level > kMatrix[x % kOrder + kOrder * (y % kOrder)];
-  });
 }

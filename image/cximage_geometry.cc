@@ -7,13 +7,19 @@
 
 #include "common/text.h"
 #include "image/cximage.h"
+#include "kernels/bytes.h"
 
 bool CxImage::Rotate180(CxImage* dst) {
   if (dib == nullptr) return false;
   CxImage turned;
-  CreateLike(turned, GetWidth(), GetHeight(), 8);
+  const bool created = CreateLike(turned, GetWidth(), GetHeight(), 8);
   turned.SetPalette(GetPalette(), GetNumColors());
   for (std::int32_t y = 0; y < header.biHeight; ++y) {
+    if (created && header.biBitCount == 8) {
+      const auto row = static_cast<std::uint32_t>(y);
+      kernels::reverse(GetBits(row), GetWidth(), turned.GetBits(GetHeight() - 1 - row));
+      continue;
+    }
     for (std::int32_t x = 0; x < header.biWidth; ++x) {
       turned.SetPixelIndex(header.biWidth - x - 1, header.biHeight - y - 1,
                            BlindGetPixelIndex(x, y));
@@ -37,6 +43,10 @@ void CxImage::Mirror() {
     for (std::uint32_t y = 0; y < GetHeight(); ++y) {
       const std::uint8_t* source = GetBits(y);
       std::uint8_t* destination = mirrored.GetBits(y);
+      if (header.biBitCount == 8) {
+        kernels::reverse(source, GetWidth(), destination);
+        continue;
+      }
       for (std::int64_t i = 0; i < end; ++i) {
         if (last - i < info.effWidth) destination[i] = source[last - i];
       }

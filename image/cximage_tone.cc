@@ -3,6 +3,8 @@
 #include <array>
 
 #include "image/cximage.h"
+#include "kernels/bits.h"
+#include "kernels/bytes.h"
 
 bool CxImage::Light(std::int32_t brightness, std::int32_t contrast) {
   if (dib == nullptr) return false;
@@ -21,7 +23,7 @@ bool CxImage::Lut(const std::uint8_t* table) {
   for (std::uint32_t y = 0; y < GetHeight(); ++y) {
     if (header.biBitCount == 8) {
       std::uint8_t* row = GetBits(y);
-      std::transform(row, row + header.biWidth, row, [table](std::uint8_t v) { return table[v]; });
+      kernels::lookUp(row, GetWidth(), table, row);
       continue;
     }
     for (std::int32_t x = 0; x < header.biWidth; ++x) {
@@ -33,9 +35,7 @@ bool CxImage::Lut(const std::uint8_t* table) {
 
 void CxImage::Negative() {
   if (dib == nullptr) return;
-  std::uint8_t* pixels = GetBits(0);
-  std::transform(pixels, pixels + header.biSizeImage, pixels,
-                 [](std::uint8_t v) { return static_cast<std::uint8_t>(~v); });
+  kernels::invert(GetBits(0), header.biSizeImage);
 }
 
 bool CxImage::IncreaseBpp(std::uint32_t bpp) {
@@ -50,6 +50,11 @@ bool CxImage::IncreaseBpp(std::uint32_t bpp) {
   }
   wider.SetPalette(GetPalette(), GetNumColors());
   for (std::int32_t y = 0; y < header.biHeight; ++y) {
+    if (header.biBitCount == 1 && bpp == 8) {
+      const auto row = static_cast<std::uint32_t>(y);
+      kernels::unpackBits(GetBits(row), GetWidth(), wider.GetBits(row));
+      continue;
+    }
     for (std::int32_t x = 0; x < header.biWidth; ++x) {
       if (bpp == 24) {
         wider.BlindSetPixelColor(x, y, BlindGetPixelColor(x, y, true), true);

@@ -1,4 +1,8 @@
 // One gray page becomes the image that is printed.
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
 #include "common/log.h"
 #include "enhance/tattoo.h"
 #include "printer/tarvo_printer.h"
@@ -14,13 +18,30 @@ std::int32_t product32(std::uint32_t a, std::uint32_t b) {
   return static_cast<std::int32_t>(a * b);
 }
 
-LumoImage tattooHalftone(DitherType type, LumoImage& source) {
-  return type == Tattoo_X8 ? lumoTattooDitheringX8(source) : lumoTattooDithering(source);
+/// What a LumoImage reads from a zero-filled buffer that holds the page in rows `stride` bytes
+/// apart: its own rows have no gap, so at other widths it takes the gaps for pixels.
+LumoImage withoutGaps(CxImage& page, int stride, int width, int height) {
+  LumoImage image(width, height, LUMO_IMG_GRAY);
+  std::memset(image.data, 0, static_cast<std::size_t>(image.SizeBytes()));
+  if (!page.IsValid()) return image;
+  for (std::int64_t y = 0; y < height; ++y) {
+    const std::int64_t begin = y * stride;
+    const std::int64_t count = std::min<std::int64_t>(width, image.SizeBytes() - begin);
+    if (count <= 0) break;
+    std::memcpy(image.data + begin, page.GetBits(static_cast<std::uint32_t>(y)),
+                static_cast<std::size_t>(count));
+  }
+  return image;
 }
 
 }  // namespace
 
 long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* data, int stride,
+                               int width, int height, unsigned char* out) {
+  return processPage(halftoneType, data, stride, width, height, out);
+}
+
+long TarvoPrinter::processPage(DitherType halftoneType, const unsigned char* data, int stride,
                                int width, int height, unsigned char* out) {
   useLumoDithering_ = halftoneType_ == Tattoo || halftoneType_ == Tattoo_X8;
   tarvoLogCommon(0, "PageProcess: Lumo dithering is %s",
@@ -73,7 +94,7 @@ long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* dat
   const std::uint64_t outBytes =
       std::uint64_t{2} * static_cast<std::uint32_t>(stride) * static_cast<std::uint32_t>(height);
   // Very narrow pages, whose rows are padded, and enlarging frames do not fit.
-  if (std::uint64_t{rowBytes} * pimage_->GetHeight() <= outBytes) {
+  if (out != nullptr && std::uint64_t{rowBytes} * pimage_->GetHeight() <= outBytes) {
     copyProcessedPixels(pimage_, out, static_cast<int>(pimage_->GetWidth()),
                         static_cast<int>(pimage_->GetHeight()), static_cast<int>(rowBytes));
   }
@@ -85,20 +106,33 @@ long TarvoPrinter::PageProcess(DitherType halftoneType, const unsigned char* dat
 }
 
 bool TarvoPrinter::ditherForTattoo(int stride, int width, int height, unsigned char* out) {
-  copyPixels(cximage_, out, width, height, stride);
+  if (out != nullptr) copyPixels(cximage_, out, width, height, stride);
   tarvoLogCommon(0,
                  "PageProcess: Copied pixels to the output buffer for Lumo dithering, with stride "
                  "%d, EffWidth %d",
                  stride, static_cast<int>(cximage_.GetEffWidth()));
-  LumoImage source(width, height, LUMO_IMG_GRAY, out);
-  const LumoImage result = tattooHalftone(halftoneType_, source);
-  tarvoLogCommon(0, "PageProcess: Applied Lumo dithering with stride %d, width %d",
-                 static_cast<int>((std::int64_t{result.width} + 3) / 4 * 4), width);
 
-  // The rows of the result have no gap: its line length is the width.
-  if (!ditheredImage_.CreateFromArray(result.data, static_cast<std::uint32_t>(width),
-                                      static_cast<std::uint32_t>(height), 8,
-                                      static_cast<std::uint32_t>(width), false)) {
+  std::optional<LumoImage> source;
+  GrayRows page = {cximage_.GetBits(0), static_cast<std::ptrdiff_t>(cximage_.GetEffWidth()), width,
+                   height};
+  // The rows of the image that is dithered have no gap: gaps of the page become pixels. A page that
+  // was lost when it was turned or mirrored is all 0.
+  if (stride != width || !cximage_.IsValid()) {
+    out != nullptr ? source.emplace(width, height, LUMO_IMG_GRAY, out)
+                   : source.emplace(withoutGaps(cximage_, stride, width, height));
+    page = rowsOf(*source);
+  }
+  const bool created = ditheredImage_.Create(static_cast<std::uint32_t>(width),
+                                             static_cast<std::uint32_t>(height), 8, 0) != nullptr;
+  if (created) {
+    ditheredImage_.SetGrayPalette();
+    ditherRowsForTattoo(halftoneType_ == Tattoo_X8 ? TattooVariant::kX8 : TattooVariant::kPlain,
+                        page, ditheredImage_.GetBits(0),
+                        static_cast<std::ptrdiff_t>(ditheredImage_.GetEffWidth()));
+  }
+  tarvoLogCommon(0, "PageProcess: Applied Lumo dithering with stride %d, width %d",
+                 static_cast<int>((std::int64_t{width} + 3) / 4 * 4), width);
+  if (!created) {
     tarvoLogCommon(3, "PageProcess: Failed to create a new CxImage from Lumo dithered data");
     return false;
   }

@@ -1,5 +1,10 @@
 // The road of one page: measure, dump, process, dump, print.
-#include <cstdlib>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
 #include <memory>
 
 #include "common/log.h"
@@ -12,14 +17,21 @@ namespace {
 constexpr std::uint8_t kTopEdge = 2;
 constexpr std::uint8_t kBottomEdge = 8;
 
-struct Freer {
-  void operator()(void* block) const { std::free(block); }
+struct Unmapper {
+  std::size_t size = 0;
+  void operator()(unsigned char* block) const { munmap(block, size); }
 };
 
-using Block = std::unique_ptr<unsigned char, Freer>;
+using Block = std::unique_ptr<unsigned char, Unmapper>;
 
-Block zeroFilled(std::size_t count, std::size_t size) {
-  return Block(static_cast<unsigned char*>(std::calloc(count, size)));
+/// A block that proves that the memory is there. Nothing reads or writes it: mapped by itself, not
+/// made of what other blocks have left, it costs no more than its addresses.
+Block untouched(std::size_t count, std::size_t size) {
+  if (size != 0 && count > std::numeric_limits<std::size_t>::max() / size) return {};
+  const std::size_t bytes = std::max<std::size_t>(count * size, 1);
+  void* block = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (block == MAP_FAILED) return {};
+  return {static_cast<unsigned char*>(block), Unmapper{bytes}};
 }
 
 }  // namespace
@@ -30,8 +42,7 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
                  "printImage: Start processing image, input width: %zu, height: %zu, bytes per "
                  "line: %zu",
                  std::size_t{width}, std::size_t{height}, std::size_t{bytesPerLine});
-  // Never written to: it proves that the memory is there.
-  Block scratch = zeroFilled(height, bytesPerLine);
+  Block scratch = untouched(height, bytesPerLine);
   Block result;
   if (scratch == nullptr) {
     tarvoLogCommon(3,
@@ -46,8 +57,8 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
               "printImage: Saving original image, file path will be generated based on time", data,
               bytesPerLine, height, width);
 
-    // Zero-filled: the tattoo halftones read bytes between lines that nothing wrote.
-    result = zeroFilled(2, size);
+    // The result goes from pimage_ to the printer; no one reads a copy of it.
+    result = untouched(2, size);
     if (result == nullptr) {
       tarvoLogCommon(3,
                      "printImage: Memory allocation for processing result failed, unable to "
@@ -57,8 +68,8 @@ void TarvoPrinter::printImage(const unsigned char* data, unsigned long bytesPerL
       tarvoLogCommon(
           0, "printImage: Memory for processing result allocated successfully, size: %zu bytes",
           size);
-      PageProcess(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
-                  static_cast<int>(height), result.get());
+      processPage(halftoneType_, data, static_cast<int>(bytesPerLine), static_cast<int>(width),
+                  static_cast<int>(height), nullptr);
       logProcessedPage(blank, result.get(), bytesPerLine, height, width);
       printProcessedImage();
     }

@@ -173,7 +173,11 @@ class TarvoPrinter {
                  unsigned long bytesPerLine, unsigned long height, unsigned long width);
   void printProcessedImage();
 
-  /// The tattoo halftones of PageProcess: the page in cximage_ becomes ditheredImage_ and the
+  /// PageProcess, which leaves out the copy when `out` is null.
+  long processPage(DitherType halftoneType, const unsigned char* data, int stride, int width,
+                   int height, unsigned char* out);
+
+  /// The tattoo halftones of processPage: the page in cximage_ becomes ditheredImage_ and the
   /// current image. False when that image can't be made.
   bool ditherForTattoo(int stride, int width, int height, unsigned char* out);
 };

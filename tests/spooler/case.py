@@ -7,7 +7,7 @@ import unittest
 
 import stream
 from printer import Printer
-from spooler import BUILD, LABEL203, Spooler
+from spooler import BUILD, LABEL203, Spooler, guard
 
 # A runner that stops a test leaves it the time to clean up; the guardian sees to it otherwise.
 signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
@@ -16,9 +16,8 @@ signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 class SpoolerCase(unittest.TestCase):
     def setUp(self):
         self.maxDiff = None
-        folder = tempfile.TemporaryDirectory(prefix="tarvo-documents-")
-        self.addCleanup(folder.cleanup)
-        self.folder = folder.name
+        self.folder = tempfile.mkdtemp(prefix="tarvo-documents-")
+        self.addCleanup(guard(self.folder))
 
     def path(self, name):
         return f"{self.folder}/{name}"

@@ -3,7 +3,6 @@
 Environment: TARVO_BUILD_DIR, the build folder with the filters, the PPD files and tsplview;
 TARVO_SOURCE_DIR, the root of the sources.
 """
-import glob
 import os
 import re
 import shutil
@@ -15,13 +14,14 @@ import time
 
 BUILD = os.environ["TARVO_BUILD_DIR"]
 SOURCE = os.environ["TARVO_SOURCE_DIR"]
+sys.path.insert(0, f"{SOURCE}/tools")
+from private_cups import (client_environment, configure, cupsd_command, filters_of, free_port,
+                          lay_out, start_guardian)  # found by the line above
+
 LABEL203 = f"{BUILD}/ppd/tarvo-label-203dpi.ppd"
 LABEL300 = f"{BUILD}/ppd/tarvo-label-300dpi.ppd"
 STENCIL = f"{BUILD}/ppd/tarvo-stencil-a4-300dpi.ppd"
-FILTERS = {"imagetopicture": f"{SOURCE}/align/imagetopicture",
-           "picturetolayout": f"{SOURCE}/align/picturetolayout",
-           "rastertoaligned": f"{BUILD}/align/rastertoaligned",
-           "rastertotarvo": f"{BUILD}/filter/rastertotarvo"}
+FILTERS = filters_of(BUILD)
 PRELOAD = f"{BUILD}/tests/support/libtarvo_test_redirect.so"
 
 # A filter whose dumps of the pages and trace file land in the test's folder. The process is the
@@ -39,15 +39,17 @@ FINAL_STATES = ("completed", "canceled", "aborted", "stopped")
 os.environ["PATH"] += ":/usr/sbin:/sbin"
 
 
-def cups_config(name, fallback):
-    answer = subprocess.run(["sh", "-c", f"cups-config --{name}"], text=True, capture_output=True)
-    return answer.stdout.strip() or fallback
+def guard(folder):
+    """A guardian for a folder. Returns what ends it, and the folder."""
+    pipe = start_guardian(folder)
 
+    def end():
+        pipe.close()
+        limit = time.monotonic() + 10
+        while os.path.exists(folder) and time.monotonic() < limit:
+            time.sleep(0.02)
 
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+    return end
 
 
 class Spooler:
@@ -60,13 +62,11 @@ class Spooler:
     def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
         self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
         self._daemon = None
-        self._guardian = subprocess.Popen(
-            [sys.executable, os.path.join(os.path.dirname(__file__), "guardian.py"), self.folder],
-            stdin=subprocess.PIPE)
+        self._guardian = start_guardian(self.folder)
         try:
             self.port = free_port()
             self._lay_out(filters or {})
-            self._configure(error_policy, kill_delay)
+            configure(self.folder, self.port, error_policy, kill_delay)
             self._start()
         except BaseException:
             self.stop()
@@ -83,8 +83,7 @@ class Spooler:
             self._daemon.terminate()
             self._daemon.wait(10)
             self._daemon = None
-        self._guardian.stdin.close()
-        self._guardian.wait()
+        self._guardian.close()
         limit = time.monotonic() + 10
         while os.path.exists(self.folder) and time.monotonic() < limit:
             time.sleep(0.02)
@@ -95,30 +94,16 @@ class Spooler:
     # Setting it up
 
     def _lay_out(self, stand_ins):
-        os.chmod(self.folder, 0o755)  # filters of a root cupsd are started as lp
-        for name in ("etc/ppd", "etc/ssl", "bin/filter", "bin/ours", "data/drv", "data/mime", "cache",
-                     "run/certs", "spool/tmp", "log", "home", "dumps/spool"):
+        lay_out(self.folder, FILTERS)
+        for name in ("bin/ours", "dumps/spool"):
             os.makedirs(self.path(name))
         for name in ("dumps", "dumps/spool"):
             os.chmod(self.path(name), 0o777)
-        server, data = cups_config("serverbin", "/usr/lib/cups"), cups_config("datadir", "/usr/share/cups")
-        for entry in glob.glob(f"{server}/*"):
-            if os.path.basename(entry) != "filter":
-                os.symlink(entry, self.path("bin/" + os.path.basename(entry)))
-        for entry in glob.glob(f"{server}/filter/*"):
-            if os.path.basename(entry) not in FILTERS:
-                os.symlink(entry, self.path("bin/filter/" + os.path.basename(entry)))
         shutil.copy(PRELOAD, self.path("bin/ours/redirect.so"))
         for name, original in FILTERS.items():
             shutil.copy(original, self.path("bin/ours/" + name))
             self._install_filter(name, stand_ins.get(name) or
                                  KEEPING_DUMPS.format(dumps=self.path("dumps"), name=name))
-        for entry in glob.glob(f"{data}/*"):
-            if os.path.basename(entry) not in ("drv", "mime"):
-                os.symlink(entry, self.path("data/" + os.path.basename(entry)))
-        for entry in glob.glob(f"{data}/mime/*") + glob.glob(f"{SOURCE}/ppd/tarvo.[tc]*s"):
-            shutil.copy(entry, self.path("data/mime/" + os.path.basename(entry)))
-        shutil.copy(f"{SOURCE}/ppd/tarvo.drv", self.path("data/drv/tarvo.drv"))
 
     def _install_filter(self, name, script):
         target = self.path("bin/filter/" + name)
@@ -126,65 +111,14 @@ class Spooler:
             file.write(script)
         os.chmod(target, 0o755)
 
-    def _configure(self, error_policy, kill_delay):
-        root = self.folder
-        group = "root" if os.geteuid() == 0 else subprocess.run(
-            ["id", "-gn"], text=True, capture_output=True, check=True).stdout.strip()
-        files = f"""\
-ServerRoot {root}/etc
-ServerBin {root}/bin
-DataDir {root}/data
-DocumentRoot {root}/data/doc-root
-CacheDir {root}/cache
-StateDir {root}/run
-RequestRoot {root}/spool
-TempDir {root}/spool/tmp
-ServerKeychain {root}/etc/ssl
-AccessLog {root}/log/access_log
-ErrorLog {root}/log/error_log
-PageLog {root}/log/page_log
-SystemGroup {group}
-FileDevice Yes
-"""
-        daemon = f"""\
-Listen 127.0.0.1:{self.port}
-LogLevel debug
-MaxLogSize 0
-PageLogFormat %p %j %P %C
-DefaultAuthType None
-DefaultEncryption Never
-Browsing No
-BrowseLocalProtocols none
-WebInterface No
-DirtyCleanInterval 0
-PreserveJobFiles Yes
-JobRetryInterval 2
-JobKillDelay {kill_delay}
-ErrorPolicy {error_policy}
-<Location />
-  Order allow,deny
-  Allow 127.0.0.1
-</Location>
-<Policy default>
-  <Limit All>
-    Order deny,allow
-  </Limit>
-</Policy>
-"""
-        for name, text in (("cups-files.conf", files), ("cupsd.conf", daemon)):
-            with open(self.path("etc/" + name), "w", encoding="utf-8") as file:
-                file.write(text)
-
     def _start(self):
-        self.environment = dict(os.environ, CUPS_SERVER=f"127.0.0.1:{self.port}",
-                                HOME=self.path("home"), LC_ALL="C.UTF-8", SOFTWARE="tarvo")
+        self.environment = client_environment(self.folder, self.port)
         with open(self.path("log/console"), "w", encoding="utf-8") as console:
             self._daemon = subprocess.Popen(
-                ["cupsd", "-f", "-c", self.path("etc/cupsd.conf"), "-s",
-                 self.path("etc/cups-files.conf")],
+                cupsd_command(self.folder),
                 stdin=subprocess.DEVNULL, stdout=console, stderr=console)
-        self._guardian.stdin.write(f"{self._daemon.pid}\n".encode())
-        self._guardian.stdin.flush()
+        self._guardian.write(f"{self._daemon.pid}\n".encode())
+        self._guardian.flush()
         limit = time.monotonic() + 10
         while time.monotonic() < limit:
             if self._daemon.poll() is not None:

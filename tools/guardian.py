@@ -1,10 +1,10 @@
-"""Ends a private spooler when its test is gone, however the test went.
+"""Ends a private CUPS when its user is gone, however that went.
 
     guardian.py FOLDER
 
-Its standard input is a pipe that nobody but the test holds. The test writes the process id of the
-spooler to it. When the pipe closes, because the test is done or was killed, the spooler is stopped,
-what it started is ended, and the folder is removed.
+Its standard input is a pipe that nobody but its user, a test or tools/queue, holds. The user writes
+the ids of processes to it. When the pipe closes, because the user is done or was killed, these and
+what a CUPS of that folder started are ended, and the folder is removed.
 """
 import os
 import shutil
@@ -51,8 +51,8 @@ def main():
     os.setsid()
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, signal.SIG_IGN)
-    spoolers = [int(line) for line in sys.stdin]
-    for process in spoolers:
+    processes = [int(line) for line in sys.stdin]
+    for process in processes:
         end(process)
     for process in list(started_in(folder)):
         end(process)
@@ -60,6 +60,6 @@ def main():
 
 
 if __name__ == "__main__":
-    # Away from the test's process tree, which is what a test runner kills.
+    # Away from the user's process tree, which is what a test runner kills.
     if os.fork() == 0:
         main()

@@ -48,6 +48,8 @@ constexpr std::ptrdiff_t kParts = kBandRows / kLanes;
 
 /// One value for each row of the band.
 struct Column {
+  HWY_INLINE Column() {}  // spelt out for the target, see wavefront-inl.h
+
   VecF part[kParts];
 };
 
@@ -143,6 +145,8 @@ class SixTap {
   static constexpr std::ptrdiff_t kDelay = kSixTapLag - kWindow - 1;
 
   struct State {
+    HWY_INLINE State() {}  // spelt out for the target, see wavefront-inl.h
+
     Column window[kWindow + 1];  ///< sums of the row below, from column x - 2 on, before x's shares
     Column arriving[kDelay];     ///< complete sums, by the steps until they are due
     Column right2;               ///< share for the pixel after the next

@@ -100,6 +100,8 @@ HWY_INLINE auto bytesOf(const Column& masks) {
   }
 }
 
+HWY_INLINE auto indices(VecI v) { return hn::IndicesFromVec(Floats(), v); }
+
 class SixTap {
  public:
   explicit SixTap(const SixTapBand& band) : band_(band) {
@@ -231,8 +233,6 @@ class SixTap {
     state.white[kSixTapLag - 1] = whiteBytes;
     return whiteBytes;
   }
-
-  HWY_INLINE auto indices(VecI v) const { return hn::IndicesFromVec(Floats(), v); }
 
   /// Each row's value goes to the row below it; `first` is the first row's.
   HWY_INLINE void moveDown(const Column& from, float first, Column& to) const {

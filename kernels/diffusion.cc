@@ -75,6 +75,8 @@ class Diffuser {
 
   /// Sums of the pixels under way, by the rows that they are below the lane's own.
   struct State {
+    HWY_INLINE State() {}  // spelt out for the target, see wavefront-inl.h
+
     Level8 window[std::size_t{kRows} + 1][2 * std::size_t{Shape::widestReach()} + 1];
     Level8 arriving[std::size_t{kRows}][std::size_t{kLag}];
     Level8 own[std::size_t{kOwnReach} + 1][std::size_t{kOwnReach} + 1];  ///< [dx][steps until due]

@@ -48,6 +48,8 @@ constexpr std::ptrdiff_t kParts = kBandRows / kLanes;
 
 /// One value for each row of the band.
 struct Column {
+  HWY_INLINE Column() {}  // spelt out for the target, see wavefront-inl.h
+
   VecF part[kParts];
 };
 
@@ -98,6 +100,8 @@ HWY_INLINE auto bytesOf(const Column& masks) {
   }
 }
 
+HWY_INLINE auto indices(VecI v) { return hn::IndicesFromVec(Floats(), v); }
+
 class SixTap {
  public:
   explicit SixTap(const SixTapBand& band) : band_(band) {
@@ -145,6 +149,8 @@ class SixTap {
   static constexpr std::ptrdiff_t kDelay = kSixTapLag - kWindow - 1;
 
   struct State {
+    HWY_INLINE State() {}  // spelt out for the target, see wavefront-inl.h
+
     Column window[kWindow + 1];  ///< sums of the row below, from column x - 2 on, before x's shares
     Column arriving[kDelay];     ///< complete sums, by the steps until they are due
     Column right2;               ///< share for the pixel after the next
@@ -229,8 +235,6 @@ class SixTap {
     state.white[kSixTapLag - 1] = whiteBytes;
     return whiteBytes;
   }
-
-  HWY_INLINE auto indices(VecI v) const { return hn::IndicesFromVec(Floats(), v); }
 
   /// Each row's value goes to the row below it; `first` is the first row's.
   HWY_INLINE void moveDown(const Column& from, float first, Column& to) const {

@@ -6,6 +6,9 @@
 // r of the band is at column t - lag * r. Lane 15 is row 0 and lane 0 is row 15, so that the row
 // that goes on to the next band is the first byte of a store, and the row that comes from the band
 // before is the first byte of a load.
+//
+// A structure that holds vectors has its constructor spelt out, empty as it is: the one that the
+// compiler would add is made for the build's own target, which on ARM can't take in the vectors'.
 
 #if defined(TARVO_KERNELS_WAVEFRONT_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef TARVO_KERNELS_WAVEFRONT_INL_H_

@@ -96,7 +96,7 @@ TEST(SetDirection, OnlyRotation180TurnsThePage) {
       {"Rotation 180", "DIRECTION 0,0\r\n"},
   };
   for (const auto& [origin, expected] : cases) {
-    EXPECT_EQ(sentBy([&] { setDirection(origin, 0); }), expected) << origin;
+    EXPECT_EQ(sentBy([&origin = origin] { setDirection(origin, 0); }), expected) << origin;
   }
 }
 
@@ -132,7 +132,7 @@ TEST(SetSpeed, TextIsCopiedWhenItIsANumberAboveZero) {
       {"Fast", ""},
   };
   for (const auto& [speed, expected] : cases) {
-    EXPECT_EQ(sentBy([&] { setSpeedAndDensity(speed, -1); }), expected) << speed;
+    EXPECT_EQ(sentBy([&speed = speed] { setSpeedAndDensity(speed, -1); }), expected) << speed;
   }
 }
 
@@ -150,7 +150,8 @@ TEST(SetDensity, IsSentFrom0To30) {
                {31, ""},
                {1000, ""}};
   for (const auto& [density, expected] : cases) {
-    EXPECT_EQ(sentBy([&] { setSpeedAndDensity("", density); }), expected) << density;
+    EXPECT_EQ(sentBy([&density = density] { setSpeedAndDensity("", density); }), expected)
+        << density;
   }
 }
 
@@ -175,7 +176,7 @@ TEST(SetRibbon, DirectIsOffTransferIsOn) {
                {"None", ""},
                {"", ""}};
   for (const auto& [method, expected] : cases) {
-    EXPECT_EQ(sentBy([&] { setRibbon(method); }), expected) << method;
+    EXPECT_EQ(sentBy([&method = method] { setRibbon(method); }), expected) << method;
   }
 }
 
@@ -219,7 +220,7 @@ TEST(SetPostAction, FirstKeywordOfTheTableWins) {
       {"Rewind", ""},
   };
   for (const auto& [action, expected] : cases) {
-    EXPECT_EQ(sentBy([&] { setPostAction(action); }), expected) << action;
+    EXPECT_EQ(sentBy([&action = action] { setPostAction(action); }), expected) << action;
   }
 }
 

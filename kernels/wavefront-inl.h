@@ -43,11 +43,11 @@ HWY_INLINE void Transpose(Vec8 (&v)[16]) {
   const Lanes8 d;
   for (int round = 0; round < 4; ++round) {
     Vec8 mixed[16];
-    for (int i = 0; i < 8; ++i) {
+    for (std::ptrdiff_t i = 0; i < 8; ++i) {
       mixed[2 * i] = hn::InterleaveLower(d, v[i], v[i + 8]);
       mixed[2 * i + 1] = hn::InterleaveUpper(d, v[i], v[i + 8]);
     }
-    for (int i = 0; i < 16; ++i) v[i] = mixed[i];
+    for (std::ptrdiff_t i = 0; i < 16; ++i) v[i] = mixed[i];
   }
 }
 

@@ -33,3 +33,5 @@ if(TARVO_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tarvo_compile INTERFACE -fsanitize=address,undefined)
 endif()
+
+include(${CMAKE_CURRENT_LIST_DIR}/TarvoHarden.cmake)

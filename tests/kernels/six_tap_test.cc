@@ -69,4 +69,16 @@ TEST_P(SixTapEngine, PagesOfManyBands) {
   }
 }
 
+/// Errors that have faded below the smallest normal number still have a sign, and above a threshold
+/// of 0 that is what counts: the dot that costs exactly its level leaves the pixel after it with
+/// -0.052926 of the faded error two to its left, which is negative.
+TEST_P(SixTapEngine, FadedErrorsCount) {
+  const NamedPage page = {"two dots far apart", drawn(150, 1, [](int x, int) {
+                            return x == 34 ? 65 : x == 136 ? 255 : 0;
+                          })};
+  const reference::Gray plain = reference::sixTapDiffusion(page.pixels, 0);
+  ASSERT_EQ(int{plain.at(137, 0)}, 255) << "the test tests nothing";
+  ASSERT_NO_FATAL_FAILURE(expectAsPlain(page, 0));
+}
+
 }  // namespace

@@ -82,7 +82,7 @@ class Blur {
       hn::StoreU(rounded, d, to + i);
       const auto isSure = hn::Lt(hn::Abs(hn::Sub(sum, rounded)), farFromMiddle);
       if (HWY_LIKELY(hn::AllTrue(d, isSure))) return;
-      std::uint8_t sure[HWY_MAX_BYTES / sizeof(float) / 8 + 1];
+      std::uint8_t sure[8];  // what StoreMaskBits may touch, however few the lanes
       hn::StoreMaskBits(d, isSure, sure);
       for (std::size_t lane = 0; lane < hn::Lanes(d); ++lane) {
         if ((sure[lane / 8] >> (lane % 8) & 1) == 0) exactly(i + lane);

@@ -69,6 +69,19 @@ TEST_P(SixTapEngine, PagesOfManyBands) {
   }
 }
 
+/// The last row at each place in both halves of the first and of the second band, and rows that are
+/// just long enough for the two halves to take turns.
+TEST_P(SixTapEngine, BandsThatThePageDoesNotFill) {
+  for (int height = 18; height <= 66; ++height) {
+    for (const int width : {1, 2, 3, 16, 92, 93, 172, 173, 174, 150 + height}) {
+      const std::vector<NamedPage> pages = pagesOf(width, height);
+      const auto turn = static_cast<std::size_t>(width + 7 * height);
+      ASSERT_NO_FATAL_FAILURE(
+          expectAsPlain(pages[turn % pages.size()], kThresholds[turn % std::size(kThresholds)]));
+    }
+  }
+}
+
 /// Errors that have faded below the smallest normal number still have a sign, and above a threshold
 /// of 0 that is what counts: the dot that costs exactly its level leaves the pixel after it with
 /// -0.052926 of the faded error two to its left, which is negative.

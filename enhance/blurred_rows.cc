@@ -22,12 +22,12 @@ void BlurredRows::next() {
   if (y_ % kRows != 0) return;
 
   const int last = image_.height - 1;
-  while (read_ <= last && read_ < y_ + kRows + kHalf) read(read_++);
+  while (read_ <= last && read_ - y_ < kRows + kHalf) read(read_++);
 
   // Beyond the image its first and last rows are repeated; results beyond it are made for nothing.
   const float* rows[kRowsKept];
   for (int k = 0; k < kRowsKept; ++k) {
-    rows[k] = alongRow_[index(std::clamp(y_ - kHalf + k, 0, last))].data();
+    rows[k] = alongRow_[index(y_ + std::clamp(k - kHalf, -y_, last - y_))].data();
   }
   float* results[kRows];
   std::transform(results_.begin(), results_.end(), results, [](auto& row) { return row.data(); });

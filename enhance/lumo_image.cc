@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -18,7 +19,7 @@ std::int32_t channelsOf(LUMO_IMG_COLOR color) {
 }
 
 std::uint8_t* allocate(std::int64_t size) {
-  if (size < 0) throw std::bad_array_new_length();
+  if (!std::in_range<std::size_t>(size)) throw std::bad_array_new_length();
   return new std::uint8_t[static_cast<std::size_t>(size)];
 }
 

@@ -17,16 +17,16 @@ using Histogram = std::array<float, 256>;
 /// Share of the pixels at each level.
 Histogram normalisedHistogram(const GrayRows& image) {
   std::array<std::int64_t, 256> counts{};
-  const auto width = static_cast<std::size_t>(std::max(image.width, 0));
+  const std::int64_t pixels = std::int64_t{image.width} * image.height;
   if (image.stride == image.width) {
-    kernels::countLevels(image.levels, width * static_cast<std::size_t>(std::max(image.height, 0)),
-                         counts.data());
+    const std::int64_t bytes = std::max<std::int64_t>(pixels, 0);
+    kernels::countLevels(image.levels, static_cast<std::size_t>(bytes), counts.data());
   } else {
+    const auto width = static_cast<std::size_t>(std::max(image.width, 0));
     for (int y = 0; y < image.height; ++y) {
       kernels::countLevels(image.row(y), width, counts.data());
     }
   }
-  const std::int64_t pixels = std::int64_t{image.width} * image.height;
   Histogram shares;
   for (std::size_t i = 0; i < shares.size(); ++i) {
     shares[i] = static_cast<float>(counts[i]) / static_cast<float>(pixels);

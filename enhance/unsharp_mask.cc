@@ -8,7 +8,7 @@ LumoImage add_Weighted(const LumoImage& a, const LumoImage& b, float w) {
   const float alpha = 1.0f + w;
   const float beta = -w;
   const float gamma = 0.0f;
-  const std::int64_t pixels = std::int64_t{a.width} * a.height;
+  const std::int64_t pixels = a.width > 0 ? std::int64_t{a.width} * a.height : 0;
   for (std::int64_t i = 0; i < pixels; ++i) {
     const float sum =
         (static_cast<float>(a.data[i]) * alpha + static_cast<float>(b.data[i]) * beta) + gamma;

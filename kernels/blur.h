@@ -37,17 +37,17 @@ void toFloats(const std::uint8_t* levels, std::size_t count, float* to);
 /// Blurs a row along its length. Each of `count` results is the weighted sum of eleven whole levels
 /// 0 to 255, levels[i] to levels[i + 10]: what a sum in double precision, from levels[i] on,
 /// narrowed to float and rounded half up, gives. `to` overlaps none of the count + 10 levels.
-/// REQUIRES: taps[k] == taps[10 - k], none negative, adding up to 1 within rounding; or any of them
-/// not a number.
+/// REQUIRES: taps[k] == taps[10 - k], none negative, adding up to 1 within rounding; or all of them
+/// not a number, which gives 0 everywhere.
 void blurAlong(const float* levels, const double taps[kBlurTaps], std::size_t count, float* to);
 
 /// Blurs eight rows across: the same sums of the levels rows[r][i] to rows[r + 10][i], to to[r][i].
-/// One row may stand for several of `rows`.
+/// One row may stand for several of `rows`, but not be one of `to`. REQUIRES: taps as in blurAlong.
 void blurAcross(const float* const rows[kBlurRowsRead], const double taps[kBlurTaps],
                 std::size_t count, float* const to[kBlurRows]);
 
-/// levels * alpha + blurred * beta, rounded half up and clamped to 0..255.
-/// REQUIRES: |alpha| and |beta| below a million.
+/// levels * alpha + blurred * beta, rounded half up and clamped to 0..255, in single precision.
+/// REQUIRES: `blurred` from 0 to 255; |alpha| + |beta| at most 128.
 void sharpenRow(const std::uint8_t* levels, const float* blurred, std::size_t count, float alpha,
                 float beta, std::uint8_t* to);
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kernels/diffusion_tables.h"
+#include "kernels/row_bytes.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/diffusion.cc"
@@ -44,7 +45,7 @@ class Diffuser {
   explicit Diffuser(std::size_t width)
       : width_(static_cast<std::ptrdiff_t>(width)),
         stride_(width_ + 2 * kMargin),
-        levels_(static_cast<std::size_t>(stride_ * kBandRows)),
+        levels_(rowBytes(kBandRows, static_cast<std::size_t>(stride_))),
         white_(levels_.size()),
         carried_(static_cast<std::size_t>(stride_ * kRows), kBlack) {}
 

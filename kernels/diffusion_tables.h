@@ -152,8 +152,8 @@ struct DiffusionShape {
     return i;
   }
 
-  /// 65536 * weight / divisor, rounded up: e * factor / 65536 is e * weight / divisor for every
-  /// error from 0 to 128.
+  /// Just above 65536 * weight / divisor: e * factor / 65536 is e * weight / divisor, truncated,
+  /// for every error from 0 to 128.
   static constexpr std::uint16_t factor(std::size_t weightIndex) {
     return static_cast<std::uint16_t>(65536 * weights()[weightIndex] / kTable.divisor + 1);
   }

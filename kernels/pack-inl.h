@@ -30,20 +30,20 @@ HWY_INLINE void Pack(const std::uint8_t* row, std::size_t width, std::uint8_t* b
                                                                   15, 14, 13, 12, 11, 10, 9, 8};
   const Bytes d;
   const auto reverse = hn::LoadDup128(d, kReverseEights);
-  const std::size_t lanes = hn::Lanes(d);
-  const auto pack = [&](const std::uint8_t* from, std::uint8_t* to) HWY_ATTR {
+  constexpr std::size_t kLanes = hn::MaxLanes(Bytes());
+  const auto pack = [&](const std::uint8_t* from, std::uint8_t* to, std::size_t count) HWY_ATTR {
     // The test goes before the reversal: it may depend on the position.
     const auto set = hn::VecFromMask(d, isSet(d, hn::LoadU(d, from)));
-    hn::StoreMaskBits(d, hn::MaskFromVec(hn::TableLookupBytes(set, reverse)), to);
+    std::uint8_t packed[8];  // what StoreMaskBits may touch, however few the lanes
+    hn::StoreMaskBits(d, hn::MaskFromVec(hn::TableLookupBytes(set, reverse)), packed);
+    std::memcpy(to, packed, count);
   };
   std::size_t x = 0;
-  for (; x + lanes <= width; x += lanes) pack(row + x, bits + x / 8);
+  for (; x + kLanes <= width; x += kLanes) pack(row + x, bits + x / 8, kLanes / 8);
   if (x == width) return;
-  std::uint8_t rest[HWY_MAX_BYTES] = {};
-  std::uint8_t packed[HWY_MAX_BYTES / 8];
+  std::uint8_t rest[kLanes] = {};
   std::memcpy(rest, row + x, width - x);
-  pack(rest, packed);
-  std::memcpy(bits + x / 8, packed, (width - x + 7) / 8);
+  pack(rest, bits + x / 8, (width - x + 7) / 8);
 }
 
 }  // namespace HWY_NAMESPACE

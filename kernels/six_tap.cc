@@ -3,6 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kernels/row_bytes.h"
+
+// The vector unit of 32-bit ARM takes numbers below the smallest normal one for 0, whatever the
+// processor is told: errors that have faded that far would lose their sign.
+#ifdef __arm__
+#undef HWY_DISABLED_TARGETS
+#define HWY_DISABLED_TARGETS HWY_NEON
+#endif
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/six_tap.cc"
 #include <hwy/foreach_target.h>
@@ -42,6 +51,8 @@ using Floats = hn::CappedTag<float, kBandRows>;
 using Ints = hn::RebindToSigned<Floats>;
 using VecF = hn::Vec<Floats>;
 using VecI = hn::Vec<Ints>;
+
+static_assert(SixTapDiffuser::kBandRows == 2 * kBandRows, "an upper and a lower half");
 
 constexpr std::ptrdiff_t kLanes = hn::MaxLanes(Floats());
 constexpr std::ptrdiff_t kParts = kBandRows / kLanes;
@@ -338,8 +349,8 @@ SixTapDiffuser::SixTapDiffuser(std::size_t width, std::size_t height, float thre
       height_(height),
       threshold_(threshold),
       stride_(width + 2 * kSixTapMargin),
-      levels_(stride_ * kBandRows),
-      white_(stride_ * kBandRows),
+      levels_(rowBytes(kBandRows, stride_)),
+      white_(levels_.size()),
       carried_(stride_),
       lastRow_(stride_) {}
 

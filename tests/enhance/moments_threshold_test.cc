@@ -27,6 +27,12 @@ TEST(MomentsThreshold, HalfBlackHalfWhiteIs255) {
   EXPECT_EQ(thresholdOf({{0, 5000}, {255, 5000}}), 255);
 }
 
+TEST(MomentsThreshold, CountsAllTheBytesOfASizeThatIsNegativeBothWays) {
+  const unsigned char bytes[] = {0, 255, 255, 0};
+  const LumoImage image(-2, -2, LUMO_IMG_GRAY, bytes);  // 4 bytes
+  EXPECT_EQ(thresh_global_moments(image), 255);
+}
+
 TEST(MomentsThreshold, KnownHistograms) {
   const struct {
     std::vector<Bin> bins;

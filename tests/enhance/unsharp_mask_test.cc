@@ -41,6 +41,14 @@ TEST(AddWeighted, SizeAndLayoutAreThoseOfTheFirst) {
   EXPECT_EQ(bytesOf(result), (std::vector<int>{15, 20, 30}));  // 20 - 5; one byte per pixel
 }
 
+TEST(AddWeighted, NoRowsAreNoWork) {
+  const unsigned char bytes[] = {10, 20, 30, 40};
+  const LumoImage a(-2, -2, LUMO_IMG_GRAY, bytes);  // 4 bytes in no row
+  EXPECT_EQ(bytesOf(add_Weighted(a, a, 1.0F)), (std::vector<int>{10, 20, 30, 40}));
+  EXPECT_EQ(bytesOf(add_Weighted(a, grayImage({{5, 5, 5, 5}}), 1.0F)),
+            (std::vector<int>{10, 20, 30, 40}));
+}
+
 TEST(UnsharpMask, UniformImageStays) {
   for (int level = 0; level < 256; level += 5) {
     const Levels levels = uniformLevels(6, 4, level);

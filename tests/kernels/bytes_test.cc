@@ -13,13 +13,14 @@ using Bytes = std::vector<std::uint8_t>;
 
 class ByteRows : public EveryTarget {
  protected:
-  /// Calls `kernel(row, result)` for rows of many widths; `result` is what it must write.
+  /// Calls `kernel(row, count, result)` for rows of many widths, wherever a vector may begin;
+  /// `expected` makes of the row what `kernel` must write.
   static void expectOnEveryRow(auto expected, auto kernel) {
     for (int width = 0; width <= 300; ++width) {
       const Bytes row = pagesOf(std::max(width, 1), 1).front().pixels.px;
       const Bytes source(row.begin(), row.begin() + width);
-      GuardedBytes result(source.size());
-      kernel(source, result.data());
+      GuardedBytes result(source.size(), source.size() % 5);
+      kernel(ShiftedRow(source, source.size() % 64).data(), source.size(), result.data());
       Bytes wanted = source;
       expected(wanted);
       ASSERT_EQ(result.content(), wanted) << "width " << width;
@@ -36,9 +37,25 @@ TEST_P(ByteRows, AreLookedUp) {
       [&](Bytes& row) {
         for (std::uint8_t& level : row) level = table[level];
       },
-      [&](const Bytes& row, std::uint8_t* to) {
-        kernels::lookUp(row.data(), row.size(), table.data(), to);
+      [&](const std::uint8_t* row, std::size_t count, std::uint8_t* to) {
+        kernels::lookUp(row, count, table.data(), to);
       });
+}
+
+TEST_P(ByteRows, AreLookedUpInPlaceInATableThatBeginsAnywhere) {
+  for (std::size_t shift = 0; shift < 17; ++shift) {
+    Bytes levels(256);
+    for (std::size_t i = 0; i < levels.size(); ++i) levels[i] = static_cast<std::uint8_t>(i ^ 0x5A);
+    const ShiftedRow table(levels, shift);
+    expectOnEveryRow(
+        [&](Bytes& row) {
+          for (std::uint8_t& level : row) level ^= 0x5A;
+        },
+        [&](const std::uint8_t* row, std::size_t count, std::uint8_t* to) {
+          std::copy_n(row, count, to);
+          kernels::lookUp(to, count, table.data(), to);
+        });
+  }
 }
 
 TEST_P(ByteRows, AreInvertedInPlace) {
@@ -46,24 +63,25 @@ TEST_P(ByteRows, AreInvertedInPlace) {
       [](Bytes& row) {
         for (std::uint8_t& level : row) level = static_cast<std::uint8_t>(255 - level);
       },
-      [](const Bytes& row, std::uint8_t* to) {
-        std::copy(row.begin(), row.end(), to);
-        kernels::invert(to, row.size());
+      [](const std::uint8_t* row, std::size_t count, std::uint8_t* to) {
+        std::copy_n(row, count, to);
+        kernels::invert(to, count);
       });
 }
 
 TEST_P(ByteRows, AreReversed) {
-  expectOnEveryRow(
-      [](Bytes& row) { std::reverse(row.begin(), row.end()); },
-      [](const Bytes& row, std::uint8_t* to) { kernels::reverse(row.data(), row.size(), to); });
+  expectOnEveryRow([](Bytes& row) { std::reverse(row.begin(), row.end()); },
+                   [](const std::uint8_t* row, std::size_t count, std::uint8_t* to) {
+                     kernels::reverse(row, count, to);
+                   });
 }
 
 TEST_P(ByteRows, OnesAreWidenedAndThenInverted) {
   for (const std::uint8_t inversion : Bytes{0x00, 0xFF}) {
-    const auto ones = [](const Bytes& row) {
-      Bytes low = row;
+    const auto ones = [](const std::uint8_t* row, std::size_t count) {
+      Bytes low(row, row + count);
       for (std::uint8_t& level : low) level = level % 3;
-      return low;
+      return ShiftedRow(low, count % 64);
     };
     expectOnEveryRow(
         [&](Bytes& row) {
@@ -72,8 +90,8 @@ TEST_P(ByteRows, OnesAreWidenedAndThenInverted) {
             level = static_cast<std::uint8_t>(value ^ inversion);
           }
         },
-        [&](const Bytes& row, std::uint8_t* to) {
-          kernels::widenOnes(ones(row).data(), row.size(), inversion, to);
+        [&](const std::uint8_t* row, std::size_t count, std::uint8_t* to) {
+          kernels::widenOnes(ones(row, count).data(), count, inversion, to);
         });
   }
 }

@@ -80,4 +80,18 @@ TEST_P(DiffusionEngine, PagesOfManyBands) {
   }
 }
 
+/// The last row at each place in the second and third band, and rows that are just long enough for
+/// blocks of columns that no row begins or ends in.
+TEST_P(DiffusionEngine, BandsThatThePageDoesNotFill) {
+  for (int height = 18; height <= 49; ++height) {
+    for (const int width : {1, 16, 90 + height}) {
+      const std::vector<NamedPage> pages = pagesOf(width, height);
+      for (std::size_t i = 0; i < std::size(kMethods); ++i) {
+        const auto turn = static_cast<std::size_t>(height) + i;
+        ASSERT_NO_FATAL_FAILURE(expectAsPlain(kMethods[i], pages[turn % pages.size()]));
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -66,6 +66,17 @@ TEST_P(Enhancement, PagesOfManyBands) {
   }
 }
 
+/// The last row at each place in the rows that are blurred in one go, and in the rows of a band.
+TEST_P(Enhancement, HeightsAroundThoseOfBands) {
+  for (int height = 18; height <= 42; ++height) {
+    for (const int width : {1, 5, 17, 40}) {
+      const std::vector<NamedPage> pages = pagesOf(width, height);
+      const auto turn = static_cast<std::size_t>(width + 5 * height);
+      ASSERT_NO_FATAL_FAILURE(expectAsPlain(pages[turn % pages.size()]));
+    }
+  }
+}
+
 /// In each seven columns one of level a, then one of b, the rest 0, whose blur just before them
 /// lies almost in the middle between two levels: what single precision can't decide is decided in
 /// double precision.

@@ -40,28 +40,52 @@ inline std::vector<NamedPage> pagesOf(int width, int height) {
   };
 }
 
-/// The result and something around it that a kernel must leave alone.
-class GuardedBytes {
+/// Elements that begin `shift` elements after where memory does, and end where it ends.
+template <typename T>
+class ShiftedRow {
  public:
-  explicit GuardedBytes(std::size_t size) : bytes_(size + 2 * kGuard, kPattern), size_(size) {}
+  ShiftedRow(const std::vector<T>& row, std::size_t shift) : memory_(shift), shift_(shift) {
+    memory_.insert(memory_.end(), row.begin(), row.end());
+    memory_.shrink_to_fit();
+  }
 
-  std::uint8_t* data() { return bytes_.data() + kGuard; }
-  std::vector<std::uint8_t> content() const {
-    return {bytes_.begin() + kGuard, bytes_.begin() + kGuard + static_cast<std::ptrdiff_t>(size_)};
+  const T* data() const { return memory_.data() + shift_; }
+
+ private:
+  std::vector<T> memory_;
+  std::size_t shift_;
+};
+
+/// The result, `shift` elements after where a vector may want it to begin, and something around it
+/// that a kernel must leave alone.
+template <typename T, T pattern>
+class GuardedRow {
+ public:
+  explicit GuardedRow(std::size_t size, std::size_t shift = 0)
+      : memory_(size + 2 * kGuard + shift, kPattern), begin_(kGuard + shift), size_(size) {}
+
+  T* data() { return memory_.data() + begin_; }
+  std::vector<T> content() const {
+    const auto begin = memory_.begin() + static_cast<std::ptrdiff_t>(begin_);
+    return {begin, begin + static_cast<std::ptrdiff_t>(size_)};
   }
   bool guardsAreWhole() const {
-    for (std::size_t i = 0; i < kGuard; ++i) {
-      if (bytes_[i] != kPattern || bytes_[kGuard + size_ + i] != kPattern) return false;
+    for (std::size_t i = 0; i < memory_.size(); ++i) {
+      if ((i < begin_ || i >= begin_ + size_) && memory_[i] != kPattern) return false;
     }
     return true;
   }
 
-  static constexpr std::uint8_t kPattern = 0xA5;
+  static constexpr T kPattern = pattern;
 
  private:
   static constexpr std::size_t kGuard = 64;
-  std::vector<std::uint8_t> bytes_;
+  std::vector<T> memory_;
+  std::size_t begin_;
   std::size_t size_;
 };
+
+using GuardedBytes = GuardedRow<std::uint8_t, 0xA5>;
+using GuardedFloats = GuardedRow<float, -12345.0F>;
 
 #endif  // TARVO_TESTS_KERNELS_PAGES_H_

@@ -69,4 +69,29 @@ TEST_P(SixTapEngine, PagesOfManyBands) {
   }
 }
 
+/// The last row at each place in both halves of the first and of the second band, and rows that are
+/// just long enough for the two halves to take turns.
+TEST_P(SixTapEngine, BandsThatThePageDoesNotFill) {
+  for (int height = 18; height <= 66; ++height) {
+    for (const int width : {1, 2, 3, 16, 92, 93, 172, 173, 174, 150 + height}) {
+      const std::vector<NamedPage> pages = pagesOf(width, height);
+      const auto turn = static_cast<std::size_t>(width + 7 * height);
+      ASSERT_NO_FATAL_FAILURE(
+          expectAsPlain(pages[turn % pages.size()], kThresholds[turn % std::size(kThresholds)]));
+    }
+  }
+}
+
+/// Errors that have faded below the smallest normal number still have a sign, and above a threshold
+/// of 0 that is what counts: the dot that costs exactly its level leaves the pixel after it with
+/// -0.052926 of the faded error two to its left, which is negative.
+TEST_P(SixTapEngine, FadedErrorsCount) {
+  const NamedPage page = {"two dots far apart", drawn(150, 1, [](int x, int) {
+                            return x == 34 ? 65 : x == 136 ? 255 : 0;
+                          })};
+  const reference::Gray plain = reference::sixTapDiffusion(page.pixels, 0);
+  ASSERT_EQ(int{plain.at(137, 0)}, 255) << "the test tests nothing";
+  ASSERT_NO_FATAL_FAILURE(expectAsPlain(page, 0));
+}
+
 }  // namespace

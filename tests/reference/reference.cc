@@ -88,6 +88,9 @@ int printPages(const Job& job, Settings settings, Result& result, Log& log) {
     if (verdict == HeaderVerdict::JobDone) return 0;
 
     if (job.traceCanBeWritten) result.trace = traceLine(header);
+    const std::uint64_t page_bytes =
+        static_cast<std::uint64_t>(header.cupsBytesPerLine) * header.cupsHeight;
+    if (page_bytes > job.largestPage) return 1;
 
     settings.page_width = rasterMillimetres(header.cupsWidth, header.HWResolution[0]);
     settings.page_height = rasterMillimetres(header.cupsHeight, header.HWResolution[1]);
@@ -98,8 +101,6 @@ int printPages(const Job& job, Settings settings, Result& result, Log& log) {
     ++page_number;
     logHeader(header, page_number, log);
 
-    const std::size_t page_bytes =
-        static_cast<std::size_t>(header.cupsBytesPerLine) * header.cupsHeight;
     if (page.pixels.size() < page_bytes) continue;
     printImage(printer, optionsOf(settings), page,
                {result.stream, result.dumps, log, job.now, job.dumpsCanBeWritten});

@@ -70,7 +70,7 @@ void printUsage(const char* program) {
 FileOwner attachRecording(TarvoPrinter& printer, const Settings& settings) {
   const char* name = settings.FilterOutputFile;
   if (name[0] == '\0') return nullptr;
-  FileOwner recording(std::fopen(name, "w"));
+  FileOwner recording = tarvoOpenOwnFile(name);
   if (recording == nullptr) {
     tarvoLogCommon(3, "Unable to create the output file: %s", name);
     return nullptr;

@@ -14,6 +14,7 @@
 #include "align/page_alignment.h"
 #include "align/page_report.h"
 #include "align/raster_stream.h"
+#include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
 
@@ -143,6 +144,7 @@ Outcome passPages(RasterReader& reader, RasterWriter& writer) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoFillStandardStreams();
   tarvoCatchTermination();
   if (argc < 6 || argc > 7) {
     const char* name = tarvoPathGetBasename(argc > 0 ? argv[0] : "");

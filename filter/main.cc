@@ -14,6 +14,7 @@
 
 #include "common/file.h"
 #include "common/log.h"
+#include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
 #include "filter/page_check.h"
@@ -194,6 +195,7 @@ int printJob(RasterInput& input, const char* options) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoFillStandardStreams();
   tarvoCatchTermination();
   // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
   // written in pieces can swallow another filter's, or be torn by it.

@@ -14,6 +14,7 @@
 #include "align/page_alignment.h"
 #include "align/page_report.h"
 #include "align/raster_stream.h"
+#include "common/enumeration.h"
 #include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
@@ -49,7 +50,7 @@ class InputFile {
 
 std::uint64_t countRows(const cups_page_header2_t& header) {
   const std::uint64_t planes =
-      header.cupsColorOrder == CUPS_ORDER_PLANAR ? header.cupsNumColors : 1;
+      tarvoBitsOf(header.cupsColorOrder) == CUPS_ORDER_PLANAR ? header.cupsNumColors : 1;
   return header.cupsHeight * planes;
 }
 

@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <memory>
 
+#include "common/enumeration.h"
 #include "common/file.h"
 #include "common/log.h"
 #include "common/standard_streams.h"
@@ -114,15 +114,6 @@ void configurePrinter(TarvoPrinter& printer, const Settings& settings,
   printer.setNegativePrint(settings.NegativeImage != 0);
 }
 
-/// The bits of an enumeration that the input filled: they need not be one of its values.
-template <typename Enumeration>
-unsigned bitsOf(const Enumeration& field) {
-  unsigned bits = 0;
-  static_assert(sizeof field == sizeof bits);
-  std::memcpy(&bits, &field, sizeof bits);
-  return bits;
-}
-
 void logPage(int page, const cups_page_header2_s& header) {
   const auto log = [](const char* name, unsigned value) {
     tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
@@ -137,8 +128,8 @@ void logPage(int page, const cups_page_header2_s& header) {
   log("cupsBitsPerColor", header.cupsBitsPerColor);
   log("cupsBitsPerPixel", header.cupsBitsPerPixel);
   log("cupsBytesPerLine", header.cupsBytesPerLine);
-  log("cupsColorOrder", bitsOf(header.cupsColorOrder));
-  log("cupsColorSpace", bitsOf(header.cupsColorSpace));
+  log("cupsColorOrder", tarvoBitsOf(header.cupsColorOrder));
+  log("cupsColorSpace", tarvoBitsOf(header.cupsColorSpace));
   log("cupsCompression", header.cupsCompression);
   log("cupsRowCount", header.cupsRowCount);
   log("cupsRowFeed", header.cupsRowFeed);

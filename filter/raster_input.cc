@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "common/enumeration.h"
 #include "common/termination.h"
 
 namespace {
@@ -15,7 +16,7 @@ ssize_t readRaster(void* descriptor, unsigned char* bytes, std::size_t size) {
 /// number of planes that lets the count wrap leaves fewer rows than the page has: of compressed
 /// ones it reads no more, and reports all.
 bool countsAllRows(const cups_page_header2_t& header) {
-  return header.cupsColorOrder != CUPS_ORDER_PLANAR ||
+  return tarvoBitsOf(header.cupsColorOrder) != CUPS_ORDER_PLANAR ||
          header.cupsHeight * header.cupsNumColors >= header.cupsHeight;
 }
 

@@ -43,9 +43,16 @@ struct RasterCloser {
 
 bool isCompressed(const std::string& raster) { return raster.compare(0, 4, "2SaR") == 0; }
 
+/// The colour order as a number: what came need not be one that there is.
+unsigned orderOf(const cups_page_header2_t& header) {
+  unsigned order = 0;
+  std::memcpy(&order, &header.cupsColorOrder, sizeof order);
+  return order;
+}
+
 /// Whether libcups, which counts rows in 32 bits, finds all rows of a page in planes.
 bool hasAllRows(const cups_page_header2_t& header) {
-  return header.cupsColorOrder != CUPS_ORDER_PLANAR ||
+  return orderOf(header) != unsigned{CUPS_ORDER_PLANAR} ||
          header.cupsHeight * header.cupsNumColors >= header.cupsHeight;
 }
 

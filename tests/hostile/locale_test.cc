@@ -1,8 +1,5 @@
 // A locale that writes a comma for the point: commands, log and files keep the point.
 #include <gtest/gtest.h>
-#include <locale.h>
-#include <stdio.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <string>
@@ -26,24 +23,19 @@ bool compileLocale(const support::Folder& folder) {
   return support::run(program).status == 0;
 }
 
-/// 1.5 as the locale has it.
-std::string oneAndAHalf(const support::Folder& folder) {
-  ::setenv("LOCPATH", folder.path().c_str(), 1);
-  const locale_t locale = ::newlocale(LC_ALL_MASK, kLocale, nullptr);
-  ::unsetenv("LOCPATH");
-  if (locale == nullptr) return "no such locale";
-  const locale_t before = ::uselocale(locale);
-  char text[16];
-  ::snprintf(text, sizeof text, "%.1f", 1.5);
-  ::uselocale(before);
-  ::freelocale(locale);
-  return text;
+/// What stands between 1 and 5 in the locale.
+std::string decimalPoint(const support::Folder& folder) {
+  support::Program program;
+  program.executable = "/usr/bin/locale";
+  program.arguments = {"locale", "decimal_point"};
+  program.environment = {{"LOCPATH", folder.path().string()}, {"LC_ALL", kLocale}};
+  return support::run(program).output;
 }
 
 TEST(Locale, WithADecimalCommaChangesNothing) {
   const support::Folder folder;
   if (!compileLocale(folder)) GTEST_SKIP() << "no source of the locale de_DE: package locales";
-  ASSERT_EQ(oneAndAHalf(folder), "1,5");
+  ASSERT_EQ(decimalPoint(folder), ",\n");
   support::PpdText ppd = jobs::goodPpd();
   ppd.option("Brightness", "-37", {"-37"}).option("HalftoneType", "Tattoo", {"Tattoo"});
   ppd.customPageSizes(10, 1000);
@@ -59,6 +51,8 @@ TEST(Locale, WithADecimalCommaChangesNothing) {
     EXPECT_EQ(expected.ending(), "exit status 0");
     EXPECT_NE(expected.output.find("SIZE 12.5 mm, 3.8 mm\r\n"), std::string::npos);
     program.environment["LOCPATH"] = folder.path().string();
+    // The C library keeps a copy of LOCPATH when libcups sets the locale.
+    program.environment["ASAN_OPTIONS"] = "verify_asan_link_order=0:detect_leaks=0";
     for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
       program.environment[variable] = kLocale;
       const support::Outcome outcome = job.runAlone(program);

@@ -82,6 +82,7 @@ TEST_F(Cancel, EndsWhatItBeganAtEveryWrite) {
   ASSERT_EQ(stream.pages.size(), 2u);
   // The line feeds, each page's 14 rows and its commands, at the least.
   ASSERT_GT(writes.size(), 64u + 14 + 24);
+  RecordProperty("writes", static_cast<int>(writes.size()));
 
   for (std::size_t taken = 0; taken <= writes.size(); ++taken) {
     RunningFilter filter(folder_.path(), ppd_, raster_, Writes::kPieces);

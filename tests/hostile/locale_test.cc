@@ -51,7 +51,7 @@ TEST(Locale, WithADecimalCommaChangesNothing) {
     EXPECT_EQ(expected.ending(), "exit status 0");
     EXPECT_NE(expected.output.find("SIZE 12.5 mm, 3.8 mm\r\n"), std::string::npos);
     program.environment["LOCPATH"] = folder.path().string();
-    // The C library keeps a copy of LOCPATH when libcups sets the locale.
+    // The C library keeps a copy of LOCPATH when libcups asks for the locale.
     program.environment["ASAN_OPTIONS"] = "verify_asan_link_order=0:detect_leaks=0";
     for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
       program.environment[variable] = kLocale;

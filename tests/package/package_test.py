@@ -134,6 +134,17 @@ def holds_what_it_should(build, folder):
                 expect(file.read(), f"{name}: empty")
 
 
+def is_hardened(build, folder):
+    """The stripped programs in it have what the built ones have."""
+    root = unpack(build, folder)
+    for path in [f"usr/lib/cups/filter/{name}" for name in FILTERS] + \
+            [f"usr/bin/{name}" for name in TOOLS if name != "tarvo-report"]:
+        print(path)
+        print(run(sys.executable, os.path.join(SOURCE, "tests/hardening/hardening_test.py"),
+                  os.path.join(root, path), "pie", "relro", "now", "stack", "segments", "protector",
+                  "fortify"))
+
+
 def manuals_have_no_warnings(build, folder):
     root = unpack(build, folder)
     for page in glob.glob(os.path.join(root, "usr/share/man/man*/*.gz")):
@@ -268,8 +279,9 @@ def follows_prefix_and_destdir(build, folder):
 
 
 STEPS = {step.__name__: step for step in (
-    is_made, is_the_same_again, pleases_lintian, holds_what_it_should, manuals_have_no_warnings,
-    tidies_only_our_names, prints_in_a_queue, leaves_nothing_behind, follows_prefix_and_destdir)}
+    is_made, is_the_same_again, pleases_lintian, holds_what_it_should, is_hardened,
+    manuals_have_no_warnings, tidies_only_our_names, prints_in_a_queue, leaves_nothing_behind,
+    follows_prefix_and_destdir)}
 
 
 def main(arguments):

@@ -14,6 +14,8 @@
 #include "align/page_alignment.h"
 #include "align/page_report.h"
 #include "align/raster_stream.h"
+#include "common/enumeration.h"
+#include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
 
@@ -48,7 +50,7 @@ class InputFile {
 
 std::uint64_t countRows(const cups_page_header2_t& header) {
   const std::uint64_t planes =
-      header.cupsColorOrder == CUPS_ORDER_PLANAR ? header.cupsNumColors : 1;
+      tarvoBitsOf(header.cupsColorOrder) == CUPS_ORDER_PLANAR ? header.cupsNumColors : 1;
   return header.cupsHeight * planes;
 }
 
@@ -69,16 +71,23 @@ Outcome failedToWrite(const RasterWriter& writer) {
   return Outcome::kFails;
 }
 
+/// As much paper as a filter before this one can be made up for with: an A4 page at 800 dpi. A
+/// header may promise far more, which the next filter would hold in memory.
+constexpr std::uint64_t kMostPaperBytes = std::uint64_t{64} << 20U;
+
 /// The rows of the page that are missing: paper, so that the page ends and what came of it is
-/// printed. Where nothing is known about its bytes, it stays cut short.
+/// printed. It stays cut short where nothing came of it, where nothing is known about its bytes,
+/// and where only its header knows of so many rows.
 Outcome endPage(const RasterReader& reader, RasterWriter& writer, const PageAlignment& alignment,
                 unsigned page, std::uint64_t row, std::uint64_t rows) {
   if (tarvoIsTerminated()) return Outcome::kEnds;
   if (reader.error() != 0) failedToRead(reader);
   std::fprintf(stderr, "ERROR: Page %u is cut short: %llu of its %llu rows came.\n", page,
                static_cast<unsigned long long>(row), static_cast<unsigned long long>(rows));
-  if (!alignment.isNeeded()) return Outcome::kFails;
   const std::uint32_t size = alignment.header().cupsBytesPerLine;
+  if (!alignment.isNeeded() || row == 0 || rows - row > kMostPaperBytes / size) {
+    return Outcome::kFails;
+  }
   const std::unique_ptr<std::uint8_t[]> paper = makeRow(alignment.header());
   std::memset(paper.get(), 0, size);
   for (; row < rows; ++row) {
@@ -143,6 +152,7 @@ Outcome passPages(RasterReader& reader, RasterWriter& writer) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoFillStandardStreams();
   tarvoCatchTermination();
   if (argc < 6 || argc > 7) {
     const char* name = tarvoPathGetBasename(argc > 0 ? argv[0] : "");

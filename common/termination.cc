@@ -14,6 +14,25 @@ volatile sig_atomic_t terminated = 0;
 
 void onTermination(int /*signal*/) { terminated = 1; }
 
+/// Whether nobody reads standard output any more.
+bool isOutputBroken() {
+  pollfd output = {STDOUT_FILENO, 0, 0};
+  return poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
+}
+
+/// Ends the process, once the handler has returned, unless it is only the log that nobody reads.
+void onBrokenPipe(int signal) {
+  const int error = errno;
+  if (isOutputBroken()) {
+    struct sigaction action = {};
+    sigemptyset(&action.sa_mask);
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+    raise(signal);
+  }
+  errno = error;
+}
+
 /// Waits until `descriptor` is ready for `events`, which a broken one is too. False with errno
 /// EINTR when terminated.
 bool waitUnlessTerminated(int descriptor, short events) {
@@ -34,10 +53,13 @@ bool waitUnlessTerminated(int descriptor, short events) {
 void tarvoCatchTermination() {
   struct sigaction action = {};
   sigemptyset(&action.sa_mask);
-  action.sa_handler = SIG_DFL;
+  action.sa_handler = onBrokenPipe;
   sigaction(SIGPIPE, &action, nullptr);
   action.sa_handler = onTermination;
   sigaction(SIGTERM, &action, nullptr);
+  // A file that would grow beyond what the process may write: the write fails, and the job goes on.
+  action.sa_handler = SIG_IGN;
+  sigaction(SIGXFSZ, &action, nullptr);
 
   sigset_t signals;
   sigemptyset(&signals);

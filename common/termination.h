@@ -17,8 +17,10 @@
 
 #include <cstddef>
 
-/// From here on SIGTERM is a request that tarvoIsTerminated reports. SIGPIPE ends the process, also
-/// when whoever started it had it ignored: nobody is left to print for. Call it first in main.
+/// From here on SIGTERM is a request that tarvoIsTerminated reports. SIGPIPE ends the process when
+/// nobody reads standard output any more, also when whoever started it had it ignored: nobody is
+/// left to print for. A log that nobody reads, or a file that may not grow, does not end it, least
+/// of all inside a bitmap. Call it early in main.
 void tarvoCatchTermination();
 
 /// Whether SIGTERM has come since tarvoCatchTermination.

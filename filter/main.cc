@@ -10,12 +10,13 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <memory>
 
+#include "common/enumeration.h"
 #include "common/file.h"
 #include "common/log.h"
+#include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
 #include "filter/page_check.h"
@@ -81,7 +82,7 @@ void printUsage(const char* program) {
 FileOwner attachRecording(TarvoPrinter& printer, const Settings& settings) {
   const char* name = settings.FilterOutputFile;
   if (name[0] == '\0') return nullptr;
-  FileOwner recording(std::fopen(name, "w"));
+  FileOwner recording = tarvoOpenOwnFile(name);
   if (recording == nullptr) {
     tarvoLogCommon(3, "Unable to create the output file: %s", name);
     return nullptr;
@@ -124,15 +125,6 @@ void configurePrinter(TarvoPrinter& printer, const Settings& settings,
   printer.setNegativePrint(settings.NegativeImage != 0);
 }
 
-/// The bits of an enumeration that the input filled: they need not be one of its values.
-template <typename Enumeration>
-unsigned bitsOf(const Enumeration& field) {
-  unsigned bits = 0;
-  static_assert(sizeof field == sizeof bits);
-  std::memcpy(&bits, &field, sizeof bits);
-  return bits;
-}
-
 void logPage(int page, const cups_page_header2_s& header) {
   const auto log = [](const char* name, unsigned value) {
     tarvoLogCommon(0, "header.%s:%d", name, static_cast<int>(value));
@@ -147,8 +139,8 @@ void logPage(int page, const cups_page_header2_s& header) {
   log("cupsBitsPerColor", header.cupsBitsPerColor);
   log("cupsBitsPerPixel", header.cupsBitsPerPixel);
   log("cupsBytesPerLine", header.cupsBytesPerLine);
-  log("cupsColorOrder", bitsOf(header.cupsColorOrder));
-  log("cupsColorSpace", bitsOf(header.cupsColorSpace));
+  log("cupsColorOrder", tarvoBitsOf(header.cupsColorOrder));
+  log("cupsColorSpace", tarvoBitsOf(header.cupsColorSpace));
   log("cupsCompression", header.cupsCompression);
   log("cupsRowCount", header.cupsRowCount);
   log("cupsRowFeed", header.cupsRowFeed);
@@ -205,6 +197,7 @@ int printJob(RasterInput& input, const char* options) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  tarvoFillStandardStreams();
   tarvoCatchTermination();
   keepMemoryBetweenPages();
   // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is

@@ -3,12 +3,21 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "common/enumeration.h"
 #include "common/termination.h"
 
 namespace {
 
 ssize_t readRaster(void* descriptor, unsigned char* bytes, std::size_t size) {
   return tarvoReadUnlessTerminated(*static_cast<const int*>(descriptor), bytes, size);
+}
+
+/// libcups counts a page's rows in 32 bits, the planes of a page in planes one after another. A
+/// number of planes that lets the count wrap leaves fewer rows than the page has: of compressed
+/// ones it reads no more, and reports all.
+bool countsAllRows(const cups_page_header2_t& header) {
+  return tarvoBitsOf(header.cupsColorOrder) != CUPS_ORDER_PLANAR ||
+         header.cupsHeight * header.cupsNumColors >= header.cupsHeight;
 }
 
 }  // namespace
@@ -28,9 +37,11 @@ void RasterInput::openRaster() {
 }
 
 bool RasterInput::readHeader(cups_page_header2_t& header) {
-  return raster_ != nullptr && cupsRasterReadHeader2(raster_, &header) != 0 && !tarvoIsTerminated();
+  if (raster_ == nullptr || cupsRasterReadHeader2(raster_, &header) == 0) return false;
+  hasAllRows_ = countsAllRows(header);
+  return !tarvoIsTerminated();
 }
 
 bool RasterInput::readPixels(unsigned char* pixels, std::uint32_t size) {
-  return cupsRasterReadPixels(raster_, pixels, size) >= 1 && !tarvoIsTerminated();
+  return cupsRasterReadPixels(raster_, pixels, size) >= 1 && hasAllRows_ && !tarvoIsTerminated();
 }

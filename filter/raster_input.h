@@ -29,11 +29,12 @@ class RasterInput {
   bool readHeader(cups_page_header2_t& header);
 
   /// Reads the `size` bytes of the page whose header was read last. False when they aren't all
-  /// there.
+  /// there, or can't be.
   bool readPixels(unsigned char* pixels, std::uint32_t size);
 
  private:
   int descriptor_ = 0;
+  bool hasAllRows_ = false;  ///< of the page whose header was read last
   cups_raster_t* raster_ = nullptr;
 };
 

@@ -13,8 +13,9 @@ int TsplPrinter::doPrintImage(const unsigned char* data, unsigned long /*bytesPe
   // stop: a printer that waits for the rest of a bitmap would take the next job for dots.
   if (tarvoIsTerminated()) return 0;
   const unsigned long packedBytes = (width + 7) / 8;
-  setBitmapCmdHead(0, 0, static_cast<int>(packedBytes), static_cast<int>(height), 0);
+  // Before the head: when there is no memory, the printer must not wait for dots.
   std::vector<unsigned char> packed(packedBytes);
+  setBitmapCmdHead(0, 0, static_cast<int>(packedBytes), static_cast<int>(height), 0);
   for (unsigned long y = 0; y < height; ++y) {
     // Quirk: row-step. By the width, although the rows of an image are padded to multiples of 4:
     // at other widths each row starts a little further left in the one before it.

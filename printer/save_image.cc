@@ -94,7 +94,7 @@ void TarvoPrinter::saveImage(const unsigned char* data, unsigned long bytesPerLi
 #pragma GCC diagnostic pop
   ++page_index;
 
-  const FileOwner file(std::fopen(name, "wb+"));
+  const FileOwner file = tarvoOpenOwnFile(name);
   if (file == nullptr) {
     std::fprintf(stderr, "TarvoPrinter::saveImage: unable to open the file %s\n", name);
     return;

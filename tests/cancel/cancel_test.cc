@@ -82,6 +82,7 @@ TEST_F(Cancel, EndsWhatItBeganAtEveryWrite) {
   ASSERT_EQ(stream.pages.size(), 2u);
   // The line feeds, each page's 14 rows and its commands, at the least.
   ASSERT_GT(writes.size(), 64u + 14 + 24);
+  RecordProperty("writes", static_cast<int>(writes.size()));
 
   for (std::size_t taken = 0; taken <= writes.size(); ++taken) {
     RunningFilter filter(folder_.path(), ppd_, raster_, Writes::kPieces);
@@ -178,7 +179,22 @@ TEST_F(Cancel, ASecondSignalChangesNothing) {
   EXPECT_FALSE(stream.pages[0].copies);
 }
 
-// There is nobody to finish anything for, whether or not whoever started it had SIGPIPE ignored.
+// There is nobody to finish anything for: the next write ends it, at whatever write the reader
+// went.
+TEST_F(Cancel, AClosedOutputEndsItAtEveryWrite) {
+  const std::size_t writes = undisturbed(Writes::kPieces).size();
+  for (std::size_t taken = 0; taken + 1 < writes; ++taken) {
+    RunningFilter filter(folder_.path(), ppd_, raster_, Writes::kPieces);
+    for (std::size_t i = 0; i < taken; ++i) filter.take();
+    filter.settle();
+    filter.hangUp();
+    const int status = filter.end();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE)
+        << status << " after " << taken << " writes";
+  }
+}
+
+// Whether or not whoever started it had SIGPIPE ignored.
 TEST_F(Cancel, AClosedOutputEndsItAtOnce) {
   support::writeFile(raster_, support::rasterFile({grayPage(800, 100, Drawing::Random),
                                                    grayPage(800, 100, Drawing::Random)}));

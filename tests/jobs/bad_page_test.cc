@@ -136,15 +136,6 @@ TEST(BadPage, LargestSizesThatPass) {
   }
 }
 
-/// `log` without the lines that the address sanitizer adds for an allocation that it refuses.
-std::string withoutSanitizerLines(const std::string& log) {
-  std::string own;
-  for (const std::string& line : support::linesOf(log)) {
-    if (line.rfind("==", 0) != 0) own += line + "\n";
-  }
-  return own;
-}
-
 TEST(BadPage, PageWithoutMemoryEndsTheJobWithoutAWord) {
   FilterJob job;
   job.setPpd(goodPpd().text());
@@ -154,13 +145,7 @@ TEST(BadPage, PageWithoutMemoryEndsTheJobWithoutAWord) {
   });
   support::Program program = job.program();
   program.input = support::PipedBytes{support::uncheckedRasterFile({goodPage(), page, goodPage()})};
-  if (kAddressSanitizer) {
-    // Its own memory is beyond any limit of the process; it has a limit of its own to offer.
-    program.environment["ASAN_OPTIONS"] =
-        "verify_asan_link_order=0:allocator_may_return_null=1:max_allocation_size_mb=1024";
-  } else {
-    program.addressSpaceLimitBytes = 1ULL << 30U;
-  }
+  limitMemory(program, 1ULL << 30U);
   JobRun run = job.run(program);
   run.outcome.error = withoutSanitizerLines(run.outcome.error);
   expectRun(run, 1, preamble() + goodPageCommands(), settingsLog() + goodPageLog(1));

@@ -2,6 +2,7 @@
 
 #include "support/differences.h"
 #include "support/ppd_text.h"
+#include "tspl/reader.h"
 
 namespace jobs {
 
@@ -43,6 +44,7 @@ reference::Job referenceJobOf(const ComparedJob& job) {
   expected.pageLengthPoints = 432;
   expected.recordingAttribute = job.recordingAttribute;
   expected.now = moment();
+  expected.largestPage = job.addressSpaceLimitBytes.value_or(expected.largestPage);
   for (const support::Page& page : job.pages) {
     expected.pages.push_back({page.header, page.pixels});
   }
@@ -50,7 +52,7 @@ reference::Job referenceJobOf(const ComparedJob& job) {
 }
 
 std::string compareLogs(const std::vector<std::string>& expected, const std::string& error) {
-  std::vector<std::string> actual = support::linesOf(error);
+  std::vector<std::string> actual = support::linesOf(withoutSanitizerLines(error));
   // An address of the right form stands for its placeholder.
   for (std::size_t i = 0; i < actual.size() && i < expected.size(); ++i) {
     if (reference::logLineMatches(expected[i], actual[i])) actual[i] = expected[i];
@@ -81,6 +83,14 @@ std::string compareRecordings(const reference::Result& expected, const JobRun& r
   return text;
 }
 
+std::string damageOf(const std::string& stream) {
+  const tspl::Stream read =
+      tspl::Read({reinterpret_cast<const std::uint8_t*>(stream.data()), stream.size()});
+  if (stream.empty() || !read.malformed) return "";
+  return "at byte " + std::to_string(read.malformed->offset) + " expected " +
+         read.malformed->expected + ", found " + read.malformed->found;
+}
+
 void report(std::string& text, const char* what, const std::string& difference) {
   if (difference.empty()) return;
   text += what;
@@ -103,7 +113,10 @@ std::string difference(const ComparedJob& job) {
 std::string difference(const ComparedJob& job, const std::string& raster) {
   FilterJob filter;
   filter.setPpd(ppdOf(job));
-  const JobRun run = filter.run(raster, optionsOf(job), job.source);
+  support::Program program = filter.program(optionsOf(job));
+  filter.give(program, raster, job.source);
+  if (job.addressSpaceLimitBytes) limitMemory(program, *job.addressSpaceLimitBytes);
+  const JobRun run = filter.run(program);
   const reference::Result expected = reference::run(referenceJobOf(job));
   ++count().jobs;
   count().pages += static_cast<long>(job.pages.size());
@@ -113,7 +126,9 @@ std::string difference(const ComparedJob& job, const std::string& raster) {
     report(text, "ending",
            run.outcome.ending() + " instead of exit status " + std::to_string(expected.status));
   }
+  report(text, "time", run.outcome.timedOut ? "it did not end" : "");
   report(text, "standard output", support::firstDifference(expected.stream, run.outcome.output));
+  report(text, "what a printer reads", damageOf(run.outcome.output));
   report(text, "standard error", compareLogs(expected.log, run.outcome.error));
   report(text, "dumps", compareDumps(expected.dumps, run));
   report(text, "trace file", support::firstDifference(expected.trace, run.trace.value_or("")));

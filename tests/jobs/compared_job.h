@@ -2,7 +2,9 @@
 #ifndef TARVO_TESTS_JOBS_COMPARED_JOB_H_
 #define TARVO_TESTS_JOBS_COMPARED_JOB_H_
 
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,8 @@ struct ComparedJob {
   Source source = Source::StandardInput;
   bool record = false;
   std::string recordingAttribute = "recording";
+  /// The filter may map this much; a page as large is one that there is no memory for.
+  std::optional<std::uint64_t> addressSpaceLimitBytes;
 };
 
 /// How many jobs and pages were compared by this process.
@@ -31,8 +35,9 @@ struct Count {
 };
 Count& count();
 
-/// Compares exit status, standard output, recording file, dumps, trace file and log. Empty when
-/// nothing differs; else the first difference of each.
+/// Compares exit status, standard output, recording file, dumps, trace file and log; and reads
+/// standard output as a printer would. Empty when nothing differs and all of it can be read; else
+/// the first difference of each.
 std::string difference(const ComparedJob& job);
 
 /// The same for a job whose raster is not what the pages would make.

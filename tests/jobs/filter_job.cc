@@ -6,6 +6,8 @@
 #include <map>
 #include <utility>
 
+#include "support/differences.h"
+
 namespace jobs {
 
 std::tm moment() {
@@ -19,6 +21,8 @@ std::tm moment() {
   return moment;
 }
 
+std::filesystem::path filterPath() { return TARVO_FILTER; }
+
 FilterJob::FilterJob() {
   std::filesystem::create_directory(spool());
   std::filesystem::create_directory(work());
@@ -28,21 +32,25 @@ void FilterJob::setPpd(const std::string& text) { support::writeFile(ppd(), text
 
 support::Program FilterJob::program(const std::string& options) const {
   support::Program program;
-  program.executable = TARVO_FILTER;
+  program.executable = filterPath();
   program.arguments = {"rastertotarvo", "1", "user", "title", "7", options};
   return program;
 }
 
 JobRun FilterJob::run(const std::string& raster, const std::string& options, Source source) const {
   support::Program job = program(options);
+  give(job, raster, source);
+  return run(std::move(job));
+}
+
+void FilterJob::give(support::Program& program, const std::string& raster, Source source) const {
   if (source == Source::FileArgument) {
     support::writeFile(folder_ / "job.ras", raster);
-    job.arguments.push_back((folder_ / "job.ras").string());
-    job.input = support::Closed{};
+    program.arguments.push_back((folder_ / "job.ras").string());
+    program.input = support::Closed{};
   } else {
-    job.input = support::PipedBytes{raster};
+    program.input = support::PipedBytes{raster};
   }
-  return run(std::move(job));
 }
 
 support::Outcome FilterJob::runAlone(support::Program program) const {
@@ -78,6 +86,24 @@ JobRun FilterJob::run(support::Program program) const {
     run.recordings.emplace_back(name, *support::readFile(work() / name));
   }
   return run;
+}
+
+void limitMemory(support::Program& program, std::uint64_t bytes) {
+  if (!kAddressSanitizer) {
+    program.addressSpaceLimitBytes = bytes;
+    return;
+  }
+  program.environment["ASAN_OPTIONS"] =
+      "verify_asan_link_order=0:allocator_may_return_null=1:max_allocation_size_mb=" +
+      std::to_string(bytes >> 20U);
+}
+
+std::string withoutSanitizerLines(const std::string& log) {
+  std::string own;
+  for (const std::string& line : support::linesOf(log)) {
+    if (line.rfind("==", 0) != 0) own += line + "\n";
+  }
+  return own;
 }
 
 }  // namespace jobs

@@ -2,6 +2,7 @@
 #ifndef TARVO_TESTS_JOBS_FILTER_JOB_H_
 #define TARVO_TESTS_JOBS_FILTER_JOB_H_
 
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
 #include <optional>
@@ -16,6 +17,9 @@ namespace jobs {
 
 /// The moment at which every job runs, UTC: 16 November 2026, 07:05:09.
 std::tm moment();
+
+/// The filter that the jobs run.
+std::filesystem::path filterPath();
 
 /// How the raster reaches the filter.
 enum class Source { StandardInput, FileArgument };
@@ -51,6 +55,9 @@ class FilterJob {
   /// The program of a job whose raster is still to be given.
   support::Program program(const std::string& options = "") const;
 
+  /// Gives it the raster.
+  void give(support::Program& program, const std::string& raster, Source source) const;
+
   std::filesystem::path spool() const { return folder_ / "spool"; }
   std::filesystem::path trace() const { return folder_ / "xxxxx.log"; }
   std::filesystem::path work() const { return folder_ / "work"; }
@@ -68,6 +75,13 @@ inline constexpr bool kAddressSanitizer = true;
 #else
 inline constexpr bool kAddressSanitizer = false;
 #endif
+
+/// Limits what the program may map. The address sanitizer maps far more than any limit by itself;
+/// under it the limit is on each block of memory that the program asks for.
+void limitMemory(support::Program& program, std::uint64_t bytes);
+
+/// `log` without the lines that the address sanitizer adds for a block that it refuses.
+std::string withoutSanitizerLines(const std::string& log);
 
 }  // namespace jobs
 

@@ -1,6 +1,6 @@
-// Jobs whose dumps, trace or recording can't be written; and what lies in wait where they go.
+// Jobs whose dumps or recording can't be written. tests/hostile/ has what else can be wrong with
+// the places where the filter writes.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
@@ -35,47 +35,6 @@ TEST(UnwritableDumps, CostOneLineEachAndThePageIsPrinted) {
             settingsLog() + goodHeaderLog(1) + imageLog(0) + goodHeaderLog(2) + imageLog(2));
 }
 
-// The trace file
-
-/// The good job, whose trace can't be written, must go on as if nothing were.
-void expectGoodJob(const FilterJob& job) {
-  expectRun(job.run(goodRaster()), 0, preamble() + goodPageCommands(),
-            settingsLog() + goodPageLog(1));
-}
-
-TEST(UnwritableTrace, FolderInItsPlace) {
-  FilterJob job;
-  job.setPpd(goodPpd().text());
-  std::filesystem::create_directory(job.trace());
-  expectGoodJob(job);
-}
-
-TEST(UnwritableTrace, LinkInItsPlaceIsNotFollowed) {
-  FilterJob job;
-  job.setPpd(goodPpd().text());
-  const std::string content = "something that must stay as it is\n";
-  support::writeFile(job.folder() / "victim", content);
-  std::filesystem::create_symlink(job.folder() / "victim", job.trace());
-  expectGoodJob(job);
-  EXPECT_EQ(support::readFile(job.folder() / "victim"), content);
-  EXPECT_TRUE(std::filesystem::is_symlink(job.trace()));
-}
-
-TEST(UnwritableTrace, LinkToNothingCreatesNothing) {
-  FilterJob job;
-  job.setPpd(goodPpd().text());
-  std::filesystem::create_symlink(job.folder() / "victim", job.trace());
-  expectGoodJob(job);
-  EXPECT_FALSE(std::filesystem::exists(job.folder() / "victim"));
-}
-
-TEST(UnwritableTrace, PipeInItsPlaceDoesNotHoldTheJob) {
-  FilterJob job;
-  job.setPpd(goodPpd().text());
-  ASSERT_EQ(::mkfifo(job.trace().c_str(), 0600), 0);
-  expectGoodJob(job);
-}
-
 // The recording file
 
 TEST(UnwritableRecording, IsReportedAndThePageIsPrinted) {
@@ -88,22 +47,6 @@ TEST(UnwritableRecording, IsReportedAndThePageIsPrinted) {
             settingsLog() +
                 "ERROR:Unable to create the output file: "
                 "/no/such/folder/recorded-20261116070509.bin\n" +
-                goodPageLog(1));
-}
-
-TEST(UnwritableRecording, FullDiskLeavesStandardOutputAsItIs) {
-  FilterJob job;
-  job.setPpd(goodPpd()
-                 .option("RecordPrinterCommands", "1", {"1"})
-                 .attribute("tarvoFilterOutputFile", "", "recorded")
-                 .text());
-  std::filesystem::create_symlink("/dev/full", job.work() / "recorded-20261116070509.bin");
-  support::Program program = job.program();
-  program.input = support::PipedBytes{goodRaster()};
-  JobRun run;
-  run.outcome = job.runAlone(program);  // the recording would never end when read
-  expectRun(run, 0, preamble() + goodPageCommands(),
-            settingsLog() + "DEBUG:Filter data output to: recorded-20261116070509.bin\n" +
                 goodPageLog(1));
 }
 

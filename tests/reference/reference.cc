@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 #include "reference/log.h"
 #include "reference/page_pipeline.h"
@@ -50,6 +51,14 @@ float rasterMillimetres(unsigned dots, unsigned dots_per_inch) {
                             static_cast<double>(dots_per_inch));
 }
 
+/// A number that stands in an enumeration, which need not have it.
+template <typename Enumeration>
+int numberOf(const Enumeration& field) {
+  int number = 0;
+  std::memcpy(&number, &field, sizeof number);
+  return number;
+}
+
 void logHeader(const cups_page_header2_t& header, int page_number, Log& log) {
   log.line(0, "PAGE: %d %d\n", page_number, static_cast<int>(header.NumCopies));
   log.line(0, "header.HWResolution[0]:%d\n", static_cast<int>(header.HWResolution[0]));
@@ -60,8 +69,8 @@ void logHeader(const cups_page_header2_t& header, int page_number, Log& log) {
   log.line(0, "header.cupsBitsPerColor:%d", static_cast<int>(header.cupsBitsPerColor));
   log.line(0, "header.cupsBitsPerPixel:%d", static_cast<int>(header.cupsBitsPerPixel));
   log.line(0, "header.cupsBytesPerLine:%d", static_cast<int>(header.cupsBytesPerLine));
-  log.line(0, "header.cupsColorOrder:%d", static_cast<int>(header.cupsColorOrder));
-  log.line(0, "header.cupsColorSpace:%d", static_cast<int>(header.cupsColorSpace));
+  log.line(0, "header.cupsColorOrder:%d", numberOf(header.cupsColorOrder));
+  log.line(0, "header.cupsColorSpace:%d", numberOf(header.cupsColorSpace));
   log.line(0, "header.cupsCompression:%d", static_cast<int>(header.cupsCompression));
   log.line(0, "header.cupsRowCount:%d", static_cast<int>(header.cupsRowCount));
   log.line(0, "header.cupsRowFeed:%d", static_cast<int>(header.cupsRowFeed));
@@ -88,6 +97,9 @@ int printPages(const Job& job, Settings settings, Result& result, Log& log) {
     if (verdict == HeaderVerdict::JobDone) return 0;
 
     if (job.traceCanBeWritten) result.trace = traceLine(header);
+    const std::uint64_t page_bytes =
+        static_cast<std::uint64_t>(header.cupsBytesPerLine) * header.cupsHeight;
+    if (page_bytes > job.largestPage) return 1;
 
     settings.page_width = rasterMillimetres(header.cupsWidth, header.HWResolution[0]);
     settings.page_height = rasterMillimetres(header.cupsHeight, header.HWResolution[1]);
@@ -98,8 +110,6 @@ int printPages(const Job& job, Settings settings, Result& result, Log& log) {
     ++page_number;
     logHeader(header, page_number, log);
 
-    const std::size_t page_bytes =
-        static_cast<std::size_t>(header.cupsBytesPerLine) * header.cupsHeight;
     if (page.pixels.size() < page_bytes) continue;
     printImage(printer, optionsOf(settings), page,
                {result.stream, result.dumps, log, job.now, job.dumpsCanBeWritten});

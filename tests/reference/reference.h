@@ -50,6 +50,9 @@ struct Job {
   /// The marked size's printable area; absent: the whole paper.
   std::optional<Margins> pageEdges = std::nullopt;
 
+  /// The largest page that there is memory for, in bytes.
+  std::uint64_t largestPage = UINT64_MAX;
+
   /// False: opening such a file fails.
   bool recordingCanBeCreated = true;
   bool traceCanBeWritten = true;
@@ -86,8 +89,8 @@ inline constexpr const char* kPointerAddress = "%p";
 /// of each placeholder.
 bool logLineMatches(const std::string& expected, const std::string& actual);
 
-/// Runs a whole job, from its settings to its clean-up. Memory is taken to suffice. REQUIRES:
-/// choices and attribute without line ends, a time whose parts are in range.
+/// Runs a whole job, from its settings to its clean-up. Beyond the page itself memory is taken to
+/// suffice. REQUIRES: choices and attribute without line ends, a time whose parts are in range.
 Result run(const Job& job);
 
 }  // namespace reference

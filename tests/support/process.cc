@@ -119,21 +119,36 @@ bool feedUntilEnd(const Descriptor& process, Descriptor& input, std::string_view
   }
 }
 
+/// What an output of the program is to be: -1 for a closed one.
+void openOutput(StandardOutput kind, Descriptor& file) {
+  if (kind == StandardOutput::Taken) openMemory(file);
+  Descriptor readEnd;  // closed at once
+  if (kind == StandardOutput::Broken) makePipe(readEnd, file);
+}
+
+void putInPlace(int descriptor, int place) {
+  if (descriptor >= 0) {
+    ::dup2(descriptor, place);
+  } else {
+    ::close(place);
+  }
+}
+
+void limitResource(int resource, std::optional<std::uint64_t> bytes) {
+  if (!bytes) return;
+  const rlimit limit{*bytes, *bytes};
+  ::setrlimit(static_cast<__rlimit_resource>(resource), &limit);
+}
+
 /// In the child, after fork: only calls that are safe there. Never returns.
 [[noreturn]] void becomeProgram(const Program& program, char* const* arguments,
                                 char* const* environment, int input, int output, int error) {
   ::signal(SIGPIPE, SIG_DFL);
-  if (input >= 0) {
-    ::dup2(input, 0);
-  } else {
-    ::close(0);
-  }
-  ::dup2(output, 1);
-  ::dup2(error, 2);
-  if (program.addressSpaceLimitBytes) {
-    const rlimit limit{*program.addressSpaceLimitBytes, *program.addressSpaceLimitBytes};
-    ::setrlimit(RLIMIT_AS, &limit);
-  }
+  putInPlace(input, 0);
+  putInPlace(output, 1);
+  putInPlace(error, 2);
+  limitResource(RLIMIT_AS, program.addressSpaceLimitBytes);
+  limitResource(RLIMIT_STACK, program.stackLimitBytes);
   if (program.workingFolder.empty() || ::chdir(program.workingFolder.c_str()) == 0) {
     ::execve(program.executable.c_str(), arguments, environment);
   }
@@ -152,8 +167,8 @@ std::string Outcome::ending() const {
 
 Outcome run(const Program& program) {
   Descriptor childInput, input, output, error;
-  openMemory(output);
-  openMemory(error);
+  openOutput(program.output, output);
+  openOutput(program.error, error);
   std::string_view bytes;
   if (const auto* piped = std::get_if<PipedBytes>(&program.input)) {
     makePipe(childInput, input);
@@ -184,16 +199,18 @@ Outcome run(const Program& program) {
   outcome.timedOut = !feedUntilEnd(process, input, bytes, Clock::now() + program.timeLimit);
   if (outcome.timedOut) ::kill(child, SIGKILL);
   int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) fail("waitpid");
+  rusage usage{};
+  while (::wait4(child, &status, 0, &usage) < 0) {
+    if (errno != EINTR) fail("wait4");
   }
+  outcome.peakResidentKib = usage.ru_maxrss;
   if (WIFEXITED(status)) {
     outcome.status = WEXITSTATUS(status);
   } else {
     outcome.signal = WTERMSIG(status);
   }
-  outcome.output = contentOf(output);
-  outcome.error = contentOf(error);
+  if (program.output == StandardOutput::Taken) outcome.output = contentOf(output);
+  if (program.error == StandardOutput::Taken) outcome.error = contentOf(error);
   return outcome;
 }
 

@@ -23,15 +23,22 @@ struct FromFile {
 struct Closed {};
 using StandardInput = std::variant<PipedBytes, FromFile, Closed>;
 
+/// Standard output or error of a program: taken into its outcome, no open descriptor at all, or a
+/// pipe that nobody reads any more.
+enum class StandardOutput { Taken, Closed, Broken };
+
 struct Program {
   std::filesystem::path executable;
   std::vector<std::string> arguments;  ///< all of argv, the program's own name first
   /// Changes to the environment of the test; nothing: the variable is removed.
   std::map<std::string, std::optional<std::string>> environment;
   StandardInput input = PipedBytes{};
+  StandardOutput output = StandardOutput::Taken;
+  StandardOutput error = StandardOutput::Taken;
   std::filesystem::path workingFolder;                  ///< empty: that of the test
   std::chrono::seconds timeLimit{60};                   ///< killed after it
   std::optional<std::uint64_t> addressSpaceLimitBytes;  ///< what the process may map
+  std::optional<std::uint64_t> stackLimitBytes;
 };
 
 struct Outcome {
@@ -40,6 +47,7 @@ struct Outcome {
   int status = -1;     ///< exit status; -1 when a signal ended it
   int signal = 0;      ///< the signal that ended it, or 0
   bool timedOut = false;
+  long peakResidentKib = 0;  ///< the most memory it held, or this test's own when that was more
 
   /// "exit status 1", "signal 11", "time limit": for messages.
   std::string ending() const;

@@ -13,7 +13,7 @@
 The jobs are spread over M minutes. Then each page of each job must have been printed once and whole,
 on its queue's printer, and nothing may have grown: the memory and descriptors of the spooler and of
 the printers, and from job to job the memory of the filters. Prints the figures; exits 1 if not so.
-Environment: TARVO_BUILD_DIR and TARVO_SOURCE_DIR, as all tests of the spooler.
+Environment: TARVO_BUILD_DIR, the build folder, build/release by default.
 """
 import argparse
 import collections
@@ -27,6 +27,9 @@ import tempfile
 import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+SOURCE = os.path.dirname(os.path.dirname(HERE))
+os.environ.setdefault("TARVO_SOURCE_DIR", SOURCE)
+os.environ.setdefault("TARVO_BUILD_DIR", f"{SOURCE}/build/release")
 sys.path += [HERE, os.path.join(os.path.dirname(HERE), "spooler")]
 import documents  # found by the line above, as the next five
 import labels

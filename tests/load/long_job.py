@@ -84,10 +84,7 @@ def run(command, page, pages, head, body):
             os.environ, PPD=f"{BUILD}/ppd/tarvo-label-203dpi.ppd", TARVO_TEST_FOLDER=folder,
             LD_PRELOAD=f"{BUILD}/tests/load/libtarvo_load_exit_report.so "
                        f"{BUILD}/tests/support/libtarvo_test_redirect.so",
-            TARVO_LOAD_REPORT=f"{folder}/report",
-            # What the sanitizers keep of what was freed is no use of the filter's.
-            ASAN_OPTIONS="verify_asan_link_order=0:quarantine_size_mb=1:"
-                         "thread_local_quarantine_size_kb=64")
+            TARVO_LOAD_REPORT=f"{folder}/report")
         with open(f"{folder}/errors", "wb") as errors:
             process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                        stderr=errors, env=environment)

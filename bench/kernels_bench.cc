@@ -2,6 +2,7 @@
 // an A4 page at 300 dpi.
 #include <benchmark/benchmark.h>
 #include <hwy/targets.h>
+#include <malloc.h>
 
 #include <cstdio>
 
@@ -124,6 +125,11 @@ void addAll() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+#ifdef __GLIBC__
+  // As the filter does: a page's memory stays for the next one.
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+#endif
   benchmark::Initialize(&argc, argv);
   benchmark::AddCustomContext("target", hwy::TargetName(kernels::chosenTarget()));
   addAll();

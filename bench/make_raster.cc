@@ -9,7 +9,7 @@
 
 int main(int argc, char* argv[]) {
   if (argc != 6) {
-    std::fprintf(stderr, "usage: %s photo|lines|blank WIDTH HEIGHT DPI PAGES\n", argv[0]);
+    std::fprintf(stderr, "usage: %s KIND WIDTH HEIGHT DPI PAGES\n", argv[0]);
     return 2;
   }
   const auto number = [&](int i) { return static_cast<unsigned>(std::atoi(argv[i])); };

@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
-/// `width` x `height` gray levels: "photo" has smooth tones, edges and grain, "lines" thin black
-/// lines on white, "blank" white alone. Always the same. An unknown kind is empty.
+/// `width` x `height` gray levels: "photo" has smooth tones, edges and grain, "lines" thin lines,
+/// "blank" and "gray" one level, "noise" all levels, "checks" the two extremes, "doubtful" what is
+/// hardest to blur. Always the same. An unknown kind is empty.
 std::vector<std::uint8_t> makePage(const std::string& kind, std::size_t width, std::size_t height);
 
 #endif  // TARVO_BENCH_PAGE_H_

@@ -11,8 +11,9 @@
 #include "enhance/gray_rows.h"
 #include "kernels/blur.h"
 
-/// Blurs the rows of an image one after another. Both passes read rows of floats, which hold whole
-/// levels; a few of each are kept.
+/// Blurs the rows of an image one after another, a few at a time. The first pass, along a row, is
+/// made as rows are read and its results are kept as long as the second pass, across rows, needs
+/// them.
 class BlurredRows {
  public:
   static constexpr int kTaps = static_cast<int>(kernels::kBlurTaps);
@@ -21,20 +22,23 @@ class BlurredRows {
   /// object. `sigma` as in generateGaussianKernel1D. REQUIRES: width and height above 0.
   BlurredRows(const GrayRows& image, const std::uint8_t* table, double sigma);
 
-  /// Goes on to the next row, from row 0. REQUIRES: not at the last row.
+  /// Goes on to the next row, from row 0. Rows of the image above it are not read again.
+  /// REQUIRES: not at the last row.
   void next();
 
-  /// The row as it was before the blur, `width` floats.
-  const float* levels() const { return levels_[index(y_)].data() + kMargin; }
+  /// The row as it was before the blur, `width` levels.
+  const std::uint8_t* levels() const;
 
-  /// The row after the blur, `width` floats.
-  const float* blurred() const { return result_.data(); }
+  /// The row after the blur, `width` whole levels.
+  const float* blurred() const { return results_[static_cast<std::size_t>(y_ % kRows)].data(); }
 
  private:
   static constexpr int kHalf = kTaps / 2;
+  static constexpr int kRows = static_cast<int>(kernels::kBlurRows);
+  static constexpr int kRowsKept = static_cast<int>(kernels::kBlurRowsRead);
   static constexpr std::size_t kMargin = kernels::FloatRow::kLine;  ///< room for the repeated edge
 
-  static std::size_t index(int y) { return static_cast<std::size_t>(y % kTaps); }
+  static std::size_t index(int y) { return static_cast<std::size_t>(y % kRowsKept); }
 
   /// Reads row `y` and blurs it along its length.
   void read(int y);
@@ -42,10 +46,10 @@ class BlurredRows {
   const GrayRows image_;
   const std::uint8_t* table_;
   std::array<double, kTaps> kernel_;
-  std::vector<std::uint8_t> curved_;               ///< a row through the table
-  std::array<kernels::FloatRow, kTaps> levels_;    ///< rows y % 11, edges repeated on both sides
-  std::array<kernels::FloatRow, kTaps> alongRow_;  ///< the same after the first pass
-  kernels::FloatRow result_;
+  std::array<std::vector<std::uint8_t>, kRowsKept> curved_;  ///< rows through the table
+  kernels::FloatRow levels_;                                 ///< one row, edges repeated
+  std::array<kernels::FloatRow, kRowsKept> alongRow_;        ///< rows after the first pass
+  std::array<kernels::FloatRow, kRows> results_;             ///< rows after both
   std::size_t width_;
   int y_ = -1;
   int read_ = 0;  ///< rows read so far

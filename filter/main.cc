@@ -5,6 +5,8 @@
 //
 // SIGTERM, with which the spooler cancels, is the end of the input: whoever reads pages finds none,
 // and the road ends as after the last page. What was begun before is sent whole.
+#include <malloc.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -57,6 +59,15 @@ class PageBuffer {
  private:
   void* bytes_ = nullptr;
 };
+
+/// Keeps the memory of a page for the next one: else glibc gives it back and the kernel has to fill
+/// it with zeros anew, a fifth of a page's time. (Larger blocks than it lets us name are mapped.)
+void keepMemoryBetweenPages() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+#endif
+}
 
 void printUsage(const char* program) {
   const char* name = tarvoPathGetBasename(program != nullptr ? program : "");
@@ -195,6 +206,7 @@ int printJob(RasterInput& input, const char* options) {
 
 int main(int argc, char* argv[]) {
   tarvoCatchTermination();
+  keepMemoryBetweenPages();
   // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
   // written in pieces can swallow another filter's, or be torn by it.
   std::setvbuf(stderr, nullptr, _IOLBF, 4096);

@@ -10,6 +10,10 @@ namespace kernels {
 
 inline constexpr std::size_t kBlurTaps = 11;
 
+/// Rows that are blurred across in one go, and rows that it takes: they are read once for all.
+inline constexpr std::size_t kBlurRows = 8;
+inline constexpr std::size_t kBlurRowsRead = kBlurRows + kBlurTaps - 1;
+
 /// Floats that begin where a cache line does: rows that do are read fastest.
 class FloatRow {
  public:
@@ -30,17 +34,21 @@ class FloatRow {
 /// Levels as floats, which the two passes of the blur read them as.
 void toFloats(const std::uint8_t* levels, std::size_t count, float* to);
 
-/// The weighted sum of eleven rows of whole levels 0 to 255: the result is what a sum in double
-/// precision, from rows[0] on, narrowed to float and rounded half up, gives. Rows may overlap one
-/// another (a pass along a row is eleven views of it), not the result.
+/// Blurs a row along its length. Each of `count` results is the weighted sum of eleven whole levels
+/// 0 to 255, levels[i] to levels[i + 10]: what a sum in double precision, from levels[i] on,
+/// narrowed to float and rounded half up, gives. `to` overlaps none of the count + 10 levels.
 /// REQUIRES: taps[k] == taps[10 - k], none negative, adding up to 1 within rounding; or any of them
 /// not a number.
-void blurRow(const float* const rows[kBlurTaps], const double taps[kBlurTaps], std::size_t count,
-             float* to);
+void blurAlong(const float* levels, const double taps[kBlurTaps], std::size_t count, float* to);
+
+/// Blurs eight rows across: the same sums of the levels rows[r][i] to rows[r + 10][i], to to[r][i].
+/// One row may stand for several of `rows`.
+void blurAcross(const float* const rows[kBlurRowsRead], const double taps[kBlurTaps],
+                std::size_t count, float* const to[kBlurRows]);
 
 /// levels * alpha + blurred * beta, rounded half up and clamped to 0..255.
 /// REQUIRES: |alpha| and |beta| below a million.
-void sharpenRow(const float* levels, const float* blurred, std::size_t count, float alpha,
+void sharpenRow(const std::uint8_t* levels, const float* blurred, std::size_t count, float alpha,
                 float beta, std::uint8_t* to);
 
 }  // namespace kernels

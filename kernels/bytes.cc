@@ -15,6 +15,48 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 using Bytes = hn::ScalableTag<std::uint8_t>;
 
+/// The entries of a table of 256 at a vector of bytes: the lower four bits look into each sixteenth
+/// of the table, the upper four choose between the sixteen that are found.
+HWY_INLINE hn::Vec<Bytes> Entries(const std::uint8_t* table, hn::Vec<Bytes> v) {
+  constexpr std::size_t kParts = 16;
+  const Bytes d;
+  const auto lower = hn::And(v, hn::Set(d, std::uint8_t{0x0F}));
+  hn::Vec<Bytes> found[kParts];
+  for (std::size_t part = 0; part < kParts; ++part) {
+    found[part] = hn::TableLookupBytes(hn::LoadDup128(d, table + 16 * part), lower);
+  }
+  for (std::size_t left = kParts / 2; left > 0; left /= 2) {
+    const auto isOdd = hn::TestBit(v, hn::Set(d, static_cast<std::uint8_t>(0x80 / left)));
+    for (std::size_t i = 0; i < left; ++i) {
+      found[i] = hn::IfThenElse(isOdd, found[2 * i + 1], found[2 * i]);
+    }
+  }
+  return found[0];
+}
+
+void LookUp(const std::uint8_t* from, std::size_t count, const std::uint8_t* table,
+            std::uint8_t* to) {
+  const Bytes d;
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = 0;
+  if (lanes > 16) {  // shorter vectors gain nothing
+    for (; i + lanes <= count; i += lanes) {
+      hn::StoreU(Entries(table, hn::LoadU(d, from + i)), d, to + i);
+    }
+  }
+  // One load a byte; eight bytes come in with one.
+  for (; i + 8 <= count; i += 8) {
+    std::uint64_t eight;
+    std::memcpy(&eight, from + i, sizeof(eight));
+    std::uint64_t entries = 0;
+    for (int shift = 0; shift < 64; shift += 8) {
+      entries |= std::uint64_t{table[(eight >> shift) & 0xFF]} << shift;
+    }
+    std::memcpy(to + i, &entries, sizeof(entries));
+  }
+  for (; i < count; ++i) to[i] = table[from[i]];
+}
+
 void Invert(std::uint8_t* bytes, std::size_t count) {
   const Bytes d;
   const std::size_t lanes = hn::Lanes(d);
@@ -61,9 +103,15 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace kernels {
 
+HWY_EXPORT(LookUp);
 HWY_EXPORT(Invert);
 HWY_EXPORT(Reverse);
 HWY_EXPORT(WidenOnes);
+
+void lookUp(const std::uint8_t* from, std::size_t count, const std::uint8_t* table,
+            std::uint8_t* to) {
+  HWY_DYNAMIC_DISPATCH(LookUp)(from, count, table, to);
+}
 
 void invert(std::uint8_t* bytes, std::size_t count) { HWY_DYNAMIC_DISPATCH(Invert)(bytes, count); }
 
@@ -76,24 +124,7 @@ void widenOnes(const std::uint8_t* from, std::size_t count, std::uint8_t inversi
   HWY_DYNAMIC_DISPATCH(WidenOnes)(from, count, inversion, to);
 }
 
-// The next two are bound by loads, one a byte, which vectors do not help with: eight bytes come in
-// with one load.
-
-void lookUp(const std::uint8_t* from, std::size_t count, const std::uint8_t* table,
-            std::uint8_t* to) {
-  std::size_t i = 0;
-  for (; i + 8 <= count; i += 8) {
-    std::uint64_t eight;
-    std::memcpy(&eight, from + i, sizeof(eight));
-    std::uint64_t entries = 0;
-    for (int shift = 0; shift < 64; shift += 8) {
-      entries |= std::uint64_t{table[(eight >> shift) & 0xFF]} << shift;
-    }
-    std::memcpy(to + i, &entries, sizeof(entries));
-  }
-  for (; i < count; ++i) to[i] = table[from[i]];
-}
-
+// Bound by loads, one a byte, which vectors do not help with: eight bytes come in with one load.
 void countLevels(const std::uint8_t* bytes, std::size_t count, std::int64_t counts[256]) {
   // Eight counters a level: a page of few levels would else wait for its last increment each time.
   constexpr std::size_t kTables = 8;

@@ -91,11 +91,10 @@ class Diffuser {
 
   /// Takes the band in levels_ (from its row kRows on) and carried_ through all its columns.
   void advance() {
-    const Signed8 ds;
     State state;
-    for (auto& row : state.window) std::fill(std::begin(row), std::end(row), hn::Zero(ds));
-    for (auto& row : state.arriving) std::fill(std::begin(row), std::end(row), hn::Zero(ds));
-    for (auto& row : state.own) std::fill(std::begin(row), std::end(row), hn::Zero(ds));
+    clear(state.window);
+    clear(state.arriving);
+    clear(state.own);
 
     // The first sums arrive a lag before their column's turn; the last leave when the last lane's
     // window has passed the end.
@@ -170,6 +169,14 @@ class Diffuser {
     shift(state.arriving[kDy - 1], std::make_index_sequence<std::size_t{kDelay} - 1>());
     state.arriving[kDy - 1][kDelay - 1] =
         hn::BitCast(Signed8(), hn::CombineShiftRightBytes<1>(d, above, complete));
+  }
+
+  /// By index: a pointer into the sums, as of a range, would keep them out of registers.
+  template <std::size_t kRowCount, std::size_t kSize>
+  static HWY_INLINE void clear(Level8 (&sums)[kRowCount][kSize]) {
+    for (std::size_t row = 0; row < kRowCount; ++row) {
+      for (std::size_t i = 0; i < kSize; ++i) sums[row][i] = hn::Zero(Signed8());
+    }
   }
 
   /// Spelt out rather than a loop, so that the sums stay in registers.

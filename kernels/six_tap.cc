@@ -120,23 +120,39 @@ class SixTap {
   }
 
   /// Takes the band through all its columns.
-  HWY_INLINE void advance() {
-    const Floats d;
+  HWY_INLINE void advance() const {
     State state;
-    for (std::ptrdiff_t p = 0; p < kParts; ++p) {
-      for (Column& column : state.window) column.part[p] = hn::Zero(d);
-      for (Column& column : state.arriving) column.part[p] = hn::Zero(d);
-      state.cell.part[p] = hn::Zero(d);
-      state.right2.part[p] = hn::Zero(d);
-      state.left.part[p] = hn::Zero(d);
+    clear(state);
+    for (std::ptrdiff_t step = kFirstStep; step < end(); step += kBlockSteps) {
+      advanceBlock(state, step);
     }
-    for (Vec8& white : state.white) white = hn::Zero(Lanes8());
+  }
 
-    const std::ptrdiff_t end = band_.width + kSixTapLag * (kBandRows - 1) + kWindow;
-    for (std::ptrdiff_t step = -kSixTapLag; step < end; step += kBlockSteps) {
-      const bool inner =
-          step > kSixTapLag * (kBandRows - 1) && step + kBlockSteps <= band_.width - 1;
-      inner ? advanceBlock<false>(state, step) : advanceBlock<true>(state, step);
+  /// Takes two bands through all their columns, `lower` so far behind that what `upper` hands down
+  /// is there. Within the image their steps take turns: each waits long for its own sums.
+  static HWY_INLINE void advanceBoth(const SixTap& upper, const SixTap& lower) {
+    static_assert(kBehind % kBlockSteps == 0 && kBehind >= kSixTapLag * kBandRows + kBlockSteps);
+    State upperState;
+    State lowerState;
+    clear(upperState);
+    clear(lowerState);
+    for (std::ptrdiff_t step = kFirstStep; step < upper.end() + kBehind; step += kBlockSteps) {
+      const std::ptrdiff_t lowerStep = step - kBehind;
+      if (upper.isInner(step) && lower.isInner(lowerStep)) {
+        Vec8 upperBlock[kBlockSteps];
+        Vec8 lowerBlock[kBlockSteps];
+        upper.load(step, upperBlock);
+        lower.load(lowerStep, lowerBlock);
+        for (std::ptrdiff_t i = 0; i < kBlockSteps; ++i) {
+          upperBlock[i] = upper.advanceStep<false>(upperState, step + i, upperBlock[i]);
+          lowerBlock[i] = lower.advanceStep<false>(lowerState, lowerStep + i, lowerBlock[i]);
+        }
+        upper.store(upperBlock, step);
+        lower.store(lowerBlock, lowerStep);
+      } else {
+        if (step < upper.end()) upper.advanceBlock(upperState, step);
+        if (lowerStep >= kFirstStep) lower.advanceBlock(lowerState, lowerStep);
+      }
     }
   }
 
@@ -147,6 +163,12 @@ class SixTap {
   /// Steps from when a sum is complete in the row above to when its row first needs it, which is
   /// one step before its pixel's turn.
   static constexpr std::ptrdiff_t kDelay = kSixTapLag - kWindow - 1;
+
+  static constexpr std::ptrdiff_t kFirstStep = -kSixTapLag;
+
+  /// Steps of a lower band behind the upper: those of the rows between their first ones, and a
+  /// block, which is when results are stored.
+  static constexpr std::ptrdiff_t kBehind = kSixTapLag * kBandRows + kBlockSteps;
 
   struct State {
     HWY_INLINE State() {}  // spelt out for the target, see wavefront-inl.h
@@ -159,19 +181,58 @@ class SixTap {
     Vec8 white[kSixTapLag];      ///< the last results, the oldest first
   };
 
+  // Element by element: a pointer into the state, as of a range, would keep it out of registers.
+  static HWY_INLINE void clear(State& state) {
+    const Column zero = zeroColumn();
+    for (std::ptrdiff_t i = 0; i <= kWindow; ++i) state.window[i] = zero;
+    for (std::ptrdiff_t i = 0; i < kDelay; ++i) state.arriving[i] = zero;
+    state.cell = zero;
+    state.right2 = zero;
+    state.left = zero;
+    for (std::ptrdiff_t i = 0; i < kSixTapLag; ++i) state.white[i] = hn::Zero(Lanes8());
+  }
+
+  static HWY_INLINE Column zeroColumn() {
+    Column zero;
+    for (std::ptrdiff_t p = 0; p < kParts; ++p) zero.part[p] = hn::Zero(Floats());
+    return zero;
+  }
+
+  /// Past the last step.
+  HWY_INLINE std::ptrdiff_t end() const {
+    return band_.width + kSixTapLag * (kBandRows - 1) + kWindow;
+  }
+
+  /// Whether no row is at its first or last column or outside during the block from `step` on.
+  HWY_INLINE bool isInner(std::ptrdiff_t step) const {
+    return step > kSixTapLag * (kBandRows - 1) && step + kBlockSteps <= band_.width - 1;
+  }
+
+  HWY_INLINE void load(std::ptrdiff_t step, Vec8 (&block)[kBlockSteps]) const {
+    LoadSkewed(band_.levels, band_.stride, kSixTapLag, step, block);
+  }
+
+  HWY_INLINE void store(Vec8 (&block)[kBlockSteps], std::ptrdiff_t step) const {
+    StoreSkewed(block, step, kSixTapLag, band_.stride, band_.white);
+  }
+
+  HWY_INLINE void advanceBlock(State& state, std::ptrdiff_t step) const {
+    isInner(step) ? advanceBlock<false>(state, step) : advanceBlock<true>(state, step);
+  }
+
   template <bool kAtEdge>
-  HWY_INLINE void advanceBlock(State& state, std::ptrdiff_t firstStep) {
+  HWY_INLINE void advanceBlock(State& state, std::ptrdiff_t step) const {
     Vec8 block[kBlockSteps];
-    LoadSkewed(band_.levels, band_.stride, kSixTapLag, firstStep, block);
+    load(step, block);
     for (std::ptrdiff_t i = 0; i < kBlockSteps; ++i) {
-      block[i] = advanceStep<kAtEdge>(state, firstStep + i, block[i]);
+      block[i] = advanceStep<kAtEdge>(state, step + i, block[i]);
     }
-    StoreSkewed(block, firstStep, kSixTapLag, band_.stride, band_.white);
+    store(block, step);
   }
 
   /// One column of every row. Returns 255 in the lanes whose pixel is white.
   template <bool kAtEdge>
-  HWY_INLINE Vec8 advanceStep(State& state, std::ptrdiff_t step, Vec8 levelBytes) {
+  HWY_INLINE Vec8 advanceStep(State& state, std::ptrdiff_t step, Vec8 levelBytes) const {
     static constexpr Begun<kSixTapLag> kBegun;
     const Floats d;
     const Lanes8 d8;
@@ -254,7 +315,14 @@ class SixTap {
   VecI nextLane_;
 };
 
-void DiffuseSixTapBand(const SixTapBand& band) { SixTap(band).advance(); }
+void DiffuseSixTapBands(const SixTapBand& upper, const SixTapBand& lower) {
+  if constexpr (kParts == 1) {
+    SixTap::advanceBoth(SixTap(upper), SixTap(lower));
+  } else {  // the parts of a column already take turns
+    SixTap(upper).advance();
+    SixTap(lower).advance();
+  }
+}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace kernels
@@ -263,7 +331,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace kernels {
 
-HWY_EXPORT(DiffuseSixTapBand);
+HWY_EXPORT(DiffuseSixTapBands);
 
 SixTapDiffuser::SixTapDiffuser(std::size_t width, std::size_t height, float threshold)
     : width_(width),
@@ -276,16 +344,20 @@ SixTapDiffuser::SixTapDiffuser(std::size_t width, std::size_t height, float thre
       lastRow_(stride_) {}
 
 void SixTapDiffuser::diffuseBand() {
-  const SixTapBand band = {.levels = rowAt(levels_, 0),
-                           .white = rowAt(white_, 0),
-                           .stride = static_cast<std::ptrdiff_t>(stride_),
-                           .carried = carried_.data() + kSixTapMargin,
-                           .lastRow = rowAt(lastRow_, 0),
-                           .width = static_cast<std::ptrdiff_t>(width_),
-                           .top = static_cast<std::ptrdiff_t>(top_),
-                           .height = static_cast<std::ptrdiff_t>(height_),
-                           .threshold = threshold_};
-  HWY_DYNAMIC_DISPATCH(DiffuseSixTapBand)(band);
+  constexpr std::size_t kHalf = kBandRows / 2;
+  const auto half = [this](std::size_t row, const std::uint8_t* rowAbove) {
+    return SixTapBand{.levels = rowAt(levels_, row),
+                      .white = rowAt(white_, row),
+                      .stride = static_cast<std::ptrdiff_t>(stride_),
+                      .carried = carried_.data() + kSixTapMargin,
+                      .lastRow = rowAbove,
+                      .width = static_cast<std::ptrdiff_t>(width_),
+                      .top = static_cast<std::ptrdiff_t>(top_ + row),
+                      .height = static_cast<std::ptrdiff_t>(height_),
+                      .threshold = threshold_};
+  };
+  HWY_DYNAMIC_DISPATCH(DiffuseSixTapBands)
+  (half(0, rowAt(lastRow_, 0)), half(kHalf, output(kHalf - 1)));
   std::memcpy(rowAt(lastRow_, 0), output(kBandRows - 1), width_);
   top_ += kBandRows;
 }

@@ -8,7 +8,7 @@
 
 namespace kernels {
 
-/// Diffuses an image to levels 0 and 255, sixteen rows, a band, at a time.
+/// Diffuses an image to levels 0 and 255, thirty-two rows, a band, at a time.
 ///
 /// A pixel that with its carried error exceeds the threshold becomes 255. Errors are carried in
 /// single precision, unclamped, and every sum is made in the order of the scan: rows from the top,
@@ -16,13 +16,13 @@ namespace kernels {
 /// pixel to its left and for one above it.
 class SixTapDiffuser {
  public:
-  static constexpr std::size_t kBandRows = 16;
+  static constexpr std::size_t kBandRows = 32;
 
-  /// For an image of `width` x `height` pixels. Needs memory for about 50 rows of bytes; throws
+  /// For an image of `width` x `height` pixels. Needs memory for about 70 rows of bytes; throws
   /// std::bad_alloc. REQUIRES: width > 0.
   SixTapDiffuser(std::size_t width, std::size_t height, float threshold);
 
-  /// Where row `row`, 0 to 15, of the next band is to be put before diffuseBand: `width` bytes.
+  /// Where row `row`, 0 to 31, of the next band is to be put before diffuseBand: `width` bytes.
   /// Rows below the image need nothing.
   std::uint8_t* input(std::size_t row) { return rowAt(levels_, row); }
 

@@ -10,18 +10,17 @@ if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
+include(${CMAKE_CURRENT_LIST_DIR}/TarvoWarnings.cmake)
+
 add_library(tarvo_compile INTERFACE)
 target_compile_options(tarvo_compile INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-  -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Werror
+  ${TARVO_WARNINGS}
   # The results of the floating-point steps are part of what the filter promises: no fused
   # multiply-add, no reassociation, on any architecture.
   -ffp-contract=off -fno-fast-math
   # Nobody replaces a function of ours at run time: without this, position-independent code is made
   # as if somebody might, and the kernels are up to a third slower.
-  -fno-semantic-interposition
-  # libcups marks its PPD functions as deprecated; they are what a PPD filter is made of.
-  -Wno-deprecated-declarations)
+  -fno-semantic-interposition)
 
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^i[3-6]86$")
   # The x87 unit would keep excess precision between the steps.

@@ -113,7 +113,7 @@ std::string mirrored(const std::string& dots) {
                  result.begin() + static_cast<std::ptrdiff_t>(row + kStride));
   }
   for (char& byte : result) {
-    const auto bits = static_cast<unsigned char>(byte);
+    const unsigned bits = static_cast<unsigned char>(byte);
     unsigned reversed = 0;
     for (unsigned bit = 0; bit < 8; ++bit) reversed |= (bits >> bit & 1U) << (7 - bit);
     byte = static_cast<char>(reversed);

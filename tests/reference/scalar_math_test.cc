@@ -56,7 +56,7 @@ TEST(ScalarMath, TheSeriesIsCutAfterTwentyTerms) {
     term *= 100.0 / n;
     sum += term;
   }
-  EXPECT_NEAR(my_exp(100.0F) / sum, 1.0, 1e-5);
+  EXPECT_NEAR(static_cast<double>(my_exp(100.0F)) / sum, 1.0, 1e-5);
 }
 
 TEST(ScalarMath, LogarithmHasItsWorkedValues) {

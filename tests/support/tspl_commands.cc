@@ -38,7 +38,8 @@ class Reader {
 
   Commands read() {
     if (stream_.substr(0, kPreambleBytes) != std::string(kPreambleBytes, '\n')) {
-      return fault("the stream does not begin with 64 line feeds");
+      fault("the stream does not begin with 64 line feeds");
+      return result_;
     }
     offset_ = kPreambleBytes;
     while (offset_ < stream_.size()) {
@@ -49,17 +50,18 @@ class Reader {
   }
 
  private:
-  Commands& fault(const std::string& what) {
+  // False, as what to answer.
+  bool fault(const std::string& what) {
     result_.fault = "at byte " + std::to_string(offset_) + ": " + what + ": " +
                     printable(stream_.substr(offset_, 60));
-    return result_;
+    return false;
   }
 
   bool readLine() {
     const std::size_t end = stream_.find("\r\n", offset_);
-    if (end == std::string_view::npos) return fault("a line without its end"), false;
+    if (end == std::string_view::npos) return fault("a line without its end");
     const std::string line(stream_.substr(offset_, end - offset_));
-    if (!isKnown(line)) return fault("an unknown command"), false;
+    if (!isKnown(line)) return fault("an unknown command");
     result_.list.push_back({line, ""});
     offset_ = end + 2;
     return true;
@@ -70,15 +72,15 @@ class Reader {
     const std::string start(stream_.substr(offset_, 64));
     std::smatch head;
     if (!std::regex_search(start, head, kHead, std::regex_constants::match_continuous)) {
-      return fault("not the head of a bitmap"), false;
+      return fault("not the head of a bitmap");
     }
     const std::size_t size = std::stoul(head[1]) * std::stoul(head[2]);
     const std::size_t begin = offset_ + head[0].str().size();
     if (begin > stream_.size() || stream_.size() - begin < size + 2) {
-      return fault("a bitmap cut short"), false;
+      return fault("a bitmap cut short");
     }
     if (stream_.substr(begin + size, 2) != "\r\n") {
-      return fault("no line end after the dots of a bitmap"), false;
+      return fault("no line end after the dots of a bitmap");
     }
     result_.list.push_back({head[0].str(), std::string(stream_.substr(begin, size))});
     offset_ = begin + size + 2;

@@ -1,6 +1,7 @@
 // Jobs whose dumps, trace or recording can't be written; and what lies in wait where they go.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -67,6 +68,27 @@ TEST(UnwritableTrace, LinkToNothingCreatesNothing) {
   std::filesystem::create_symlink(job.folder() / "victim", job.trace());
   expectGoodJob(job);
   EXPECT_FALSE(std::filesystem::exists(job.folder() / "victim"));
+}
+
+TEST(UnwritableTrace, FileThatHasAnotherNameIsLeftAlone) {
+  FilterJob job;
+  job.setPpd(goodPpd().text());
+  const std::string content = "something that must stay as it is\n";
+  support::writeFile(job.folder() / "victim", content);
+  std::filesystem::create_hard_link(job.folder() / "victim", job.trace());
+  expectGoodJob(job);
+  EXPECT_EQ(support::readFile(job.folder() / "victim"), content);
+}
+
+TEST(UnwritableTrace, FileOfAnotherUserIsLeftAlone) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+  FilterJob job;
+  job.setPpd(goodPpd().text());
+  const std::string content = "something that must stay as it is\n";
+  support::writeFile(job.trace(), content);
+  ASSERT_EQ(::chown(job.trace().c_str(), 12345, 12345), 0);
+  expectGoodJob(job);
+  EXPECT_EQ(support::readFile(job.trace()), content);
 }
 
 TEST(UnwritableTrace, PipeInItsPlaceDoesNotHoldTheJob) {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "test_lumo.h"
 
@@ -245,9 +246,11 @@ TEST(EdfCus, ResultIsGrayOfTheSameSizeAndTheInputStays) {
 }
 
 TEST(EdfCus, NoPixelsAreNoWork) {
-  const LumoImage result = edf_cus(LumoImage(0, 3, LUMO_IMG_GRAY), 128);
-  EXPECT_EQ(result.width, 0);
-  EXPECT_EQ(result.height, 3);
+  for (const auto& [width, height] : {std::pair{0, 3}, {3, 0}, {0, 0}, {-2, -3}}) {
+    const LumoImage result = edf_cus(LumoImage(width, height, LUMO_IMG_GRAY), 128);
+    EXPECT_EQ(result.width, width);
+    EXPECT_EQ(result.height, height);
+  }
 }
 
 }  // namespace

@@ -208,6 +208,20 @@ TEST(GaussianBlur, TwoDimensionalIsRoundedOnce) {
   }
 }
 
+TEST(GaussianBlur, TwoDimensionalOfEvenSizeLeansUpAndLeft) {
+  // Size 2 writes three rows of three taps at every second place: the rows lie over one another.
+  // So wide a bell is flat, and only the first 2 x 2 taps are made to add up to 1: a quarter each.
+  // What follows keeps its height of 1 / (2 pi 1000 1000), next to nothing.
+  //   row above: 1/4 1/4 1/4,  own row: 1/4 1/4 0,  row below: 0 0 0
+  // A column of one pixel meets each row of taps at once: 3/4 above, 1/2 here.
+  EXPECT_EQ(levelsOf(enh_gaussian_filter(grayImage({{40}, {80}, {200}}), 2, 1000, 1000)),
+            (Levels{{50}, {70}, {160}}));  // 30 + 20, 30 + 40, 60 + 100
+  // A row meets each of its pixels through the columns of the taps of both rows above and here:
+  // left 1/2, here 1/2, right 1/4.
+  EXPECT_EQ(levelsOf(enh_gaussian_filter(grayImage({{40, 80, 120}}), 2, 1000, 1000)),
+            (Levels{{60, 90, 130}}));
+}
+
 TEST(GaussianBlur, TwoDimensionalResultIsGray) {
   const unsigned char pixels[] = {10, 10, 9, 9, 9, 9};
   const LumoImage result = enh_gaussian_filter(LumoImage(2, 1, LUMO_IMG_RGB, pixels), 3, 1, 1);

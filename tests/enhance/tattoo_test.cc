@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "enhance/error_diffusion.h"
 #include "enhance/gray.h"
 #include "enhance/moments_threshold.h"
@@ -65,6 +67,15 @@ TEST(Tattoo, NoPixelsComeBackAsACopyOfTheInput) {
       EXPECT_EQ(result.color, LUMO_IMG_BGRA) << "the layout, too";
       EXPECT_EQ(result.channels, 4);
     }
+  }
+}
+
+TEST(Tattoo, TwoNegativeSizesHaveBytesButNoPixels) {
+  LumoImage image(-2, -3, LUMO_IMG_GRAY);  // a buffer of 6 bytes
+  std::fill_n(image.data, 6, std::uint8_t{9});
+  for (const LumoImage& result : {lumoTattooDithering(image), lumoTattooDitheringX8(image)}) {
+    EXPECT_EQ(result.width, -2);
+    EXPECT_EQ(result.height, -3);
   }
 }
 

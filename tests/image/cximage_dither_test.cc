@@ -70,6 +70,15 @@ TEST(Dither, PaddingBitsAreZero) {
   }
 }
 
+TEST(Dither, PaddingBitsAreZeroOf4BitImagesToo) {
+  // Level 15 is above the entry 0 of the computed matrix alone, at columns 0 and 4. Eight pixels
+  // fill the four bytes of a source row, so what follows the last is the first of the next row.
+  IndexedImage image(4, uniformLevels(8, 2, 15));
+  EXPECT_TRUE(image.Dither(7));
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{0x88, 0, 0, 0}));
+  EXPECT_EQ(rowBytes(image, 1), (std::vector<int>{0, 0, 0, 0}));
+}
+
 TEST(Dither, BlackStaysBlackAndWhiteStaysWhite) {
   const struct { int width, height; } kSizes[] = {{1, 1}, {1, 7}, {7, 1}, {3, 3}, {8, 4}, {17, 9}};
   for (std::int64_t method : kAllMethods) {

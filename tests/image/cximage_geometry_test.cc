@@ -111,6 +111,25 @@ TEST(Mirror, OfAnEmptyImageDoesNothing) {
   EXPECT_FALSE(image.IsValid());
 }
 
+TEST(Mirror, BytesOf24BitRowsAreReversedAsFarAsTheResultHasThem) {
+  // Width 3: the last byte that is moved is (3 - 1) x 3 = 6, to byte 0; the rows of the result have
+  // four bytes.
+  CxImage image;
+  image.Create(3, 1, 24, 0);
+  for (std::uint8_t i = 0; i < 9; ++i) image.GetBits(0)[i] = i;
+  image.Mirror();
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{6, 5, 4, 3}));
+}
+
+TEST(Mirror, BytesOf4BitRowsAreReversedAsIfTheyWerePixels) {
+  // Width 6: byte i takes byte 5 - i, of which the row of four bytes has 3, 2, 1 and 0.
+  CxImage image;
+  image.Create(6, 1, 4, 0);
+  for (std::uint8_t i = 0; i < 4; ++i) image.GetBits(0)[i] = static_cast<std::uint8_t>(i + 1);
+  image.Mirror();
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{0, 0, 4, 3, 2, 1, 0, 0}));
+}
+
 // The rows of the 8-bit result are shorter than 24-bit rows and longer than 1- and 4-bit rows: the
 // sanitizers watch that nothing outside the blocks is touched.
 TEST(Mirror, AtOtherDepthsStaysInsideItsBlocks) {
@@ -218,6 +237,21 @@ TEST(Expand, TooLargeFailsWithTheReasonAndLeavesTheImage) {
   EXPECT_FALSE(image.Expand(65534, 8190, 0, 0, kWhite));
   EXPECT_EQ(blockBytes(image), before);
   EXPECT_STREQ(image.GetLastError(), "CXIMAGE_MAX_MEMORY exceeded");
+}
+
+TEST(Expand, SizesBeyond32BitsFailWithTheReasonAndLeaveTheImage) {
+  constexpr std::int64_t kMost = 0xFFFFFFFF;
+  const struct {
+    std::int64_t left, top, right, bottom;
+  } kCases[] = {{kMost, 0, 0, 0},  // 2 more than 32 bits hold
+                {0, kMost, 0, 0},     {0, 0, kMost - 1, 0}, {0, 0, 0, kMost - 1},  // 1 more
+                {kMost + 1, 0, 0, 0}, {0, 0, 0, INT64_MAX}, {INT64_MAX, 0, INT64_MAX, 0}};
+  for (const auto& c : kCases) {
+    IndexedImage image(8, {{1, 2}, {3, 4}});
+    EXPECT_FALSE(image.Expand(c.left, c.top, c.right, c.bottom, kWhite));
+    EXPECT_STREQ(image.GetLastError(), "CXIMAGE_MAX_MEMORY exceeded");
+    EXPECT_EQ(levelsOf(image), (Levels{{1, 2}, {3, 4}}));
+  }
 }
 
 TEST(Expand, WithoutMemoryFailsWithTheReasonAndLeavesTheImage) {

@@ -1,6 +1,8 @@
 // Palette entries and the search for the nearest one.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "test_image.h"
 
 namespace {
@@ -15,6 +17,28 @@ struct PaletteImage : CxImage {
 
 constexpr tagRGBQUAD kBlack = rgb(0, 0, 0);
 constexpr tagRGBQUAD kWhite = rgb(255, 255, 255);
+
+TEST(PaletteColor, EndsWithThePalette) {
+  // The pixels follow the palette in the block: no entry of theirs is taken for a colour.
+  for (const std::uint32_t bpp : {1u, 4u}) {
+    CxImage image;
+    image.Create(64, 1, bpp, 0);
+    std::fill_n(image.GetBits(0), image.GetEffWidth(), std::uint8_t{0xAA});
+    const auto end = static_cast<std::uint8_t>(image.GetNumColors());
+    EXPECT_EQ(image.GetPaletteColor(end), rgb(0, 0, 0));
+    image.SetPaletteColor(end, 1, 2, 3, 4);
+    EXPECT_EQ(rowBytes(image, 0), std::vector<int>(image.GetEffWidth(), 0xAA));
+  }
+}
+
+TEST(Colour, IsEqualInAllFourBytes) {
+  const tagRGBQUAD colour = rgb(1, 2, 3, 4);
+  EXPECT_TRUE(colour == rgb(1, 2, 3, 4));
+  EXPECT_FALSE(colour == rgb(9, 2, 3, 4));
+  EXPECT_FALSE(colour == rgb(1, 9, 3, 4));
+  EXPECT_FALSE(colour == rgb(1, 2, 9, 4));
+  EXPECT_FALSE(colour == rgb(1, 2, 3, 9));
+}
 
 TEST(SetPaletteColor, TakesRedFirstAndStoresBlueFirst) {
   CxImage image;

@@ -154,6 +154,32 @@ TEST(BadPage, PageWithoutMemoryEndsTheJobWithoutAWord) {
             "cupsWidth:16, cupsHeight:3000, cupsBytesPerLine:1048576, cupsBitsPerPixel:8\n");
 }
 
+TEST(BadPage, HalftoneWithoutMemoryEndsTheJobWithOneLine) {
+  if (kAddressSanitizer) GTEST_SKIP() << "the sanitizer ends a process that has no memory";
+  // One line of 4 Mi dots: 4 MiB, of which the page takes less than ten. Its error diffusion goes
+  // down sixteen rows at once, each longer than the line, and needs more than 128 MiB for them.
+  constexpr unsigned kDots = 4U << 20U;
+  FilterJob job;
+  job.setPpd(goodPpd().option("HalftoneType", "Ordered", {"Ordered"}).text());
+  Page page = headerWith([](auto& header) {
+    header.cupsWidth = header.cupsBytesPerLine = kDots;
+    header.cupsHeight = 1;
+  });
+  page.pixels.assign(kDots, 100);
+  support::Program program = job.program();
+  program.input = support::PipedBytes{support::rasterFile({page, goodPage()})};
+  program.addressSpaceLimitBytes = 112ULL << 20U;
+  const JobRun run = job.run(program);
+  EXPECT_EQ(run.outcome.ending(), "exit status 1");
+  // 4194304 x 25.4 / 203 = 524804.54 mm, as a float 524804.5625. No bitmap is begun.
+  EXPECT_EQ(support::firstDifference(preamble() + setupCommands("524804.6 mm, 0.1 mm"),
+                                     run.outcome.output),
+            "");
+  const std::vector<std::string> log = support::linesOf(run.outcome.error);
+  ASSERT_FALSE(log.empty());
+  EXPECT_EQ(log.back(), "ERROR:Unable to go on: std::bad_alloc");
+}
+
 TEST(BadPage, PageWithoutItsDataIsSkippedAfterItsSetup) {
   FilterJob job;
   job.setPpd(goodPpd().text());

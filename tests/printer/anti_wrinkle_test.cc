@@ -132,6 +132,26 @@ TEST_F(AntiWrinkle, CanvasOfEachPaperSize) {
   }
 }
 
+TEST_F(AntiWrinkle, CanvasToTheHundredthOfAMillimetre) {
+  // At 2540 dpi a hundredth is a dot: (2540 x m / 254 + 5) / 10 = m. Level 200 gives bars of 20000
+  // across, so wide that no canvas can be made; its size is told before that.
+  printer_.resolution_ = 2540;
+  const struct {
+    const char* name;
+    int width;
+    int height;
+  } cases[] = {{"A4", 20000, 27500},
+               {"Letter", 21000, 25700},
+               {"Tattoo_A5", 20000, 11800},
+               {"Tattoo_A6", 10000, 11800}};
+  for (const auto& [name, width, height] : cases) {
+    const std::string log = frame(name, 200, 2, 2);
+    const std::string start =
+        levelLine(200, 20000, 100) + canvasLine(name, width + 2 * 20000, height + 2 * 100);
+    EXPECT_EQ(support::firstDifference(start, log.substr(0, start.size())), "") << name;
+  }
+}
+
 TEST_F(AntiWrinkle, Level1OnA4PageOf2000x3000) {
   // Canvas 2362 + 24 = 2386 by 3248 + 24 = 3272; margins (2386 - 2000) / 2 = 193 and
   // (3272 - 3000) / 2 = 136.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "enhance/tattoo.h"
@@ -430,6 +431,15 @@ TEST(Failure, PageThatCannotBeMadeIntoAnImage) {
     }
     Bytes out(8, kUntouched);
     printer.setHalftoneType(type);
+    // A line or a page of 2 GiB and more, as an int.
+    for (const auto& [stride, width, height] :
+         {std::tuple{-4, 4, 1}, {4, -4, 1}, {4, 4, -1}, {-4, -4, -1}}) {
+      EXPECT_EQ(support::standardErrorOf([&, stride = stride, width = width, height = height] {
+                  EXPECT_EQ(
+                      printer.PageProcess(type, page.data(), stride, width, height, out.data()), 0);
+                }),
+                log);
+    }
     EXPECT_EQ(support::standardErrorOf(
                   [&] { EXPECT_EQ(printer.PageProcess(type, nullptr, 4, 4, 1, out.data()), 0); }),
               log);

@@ -66,6 +66,24 @@ TEST(CopyProcessedPixels, OneBecomes255AndNegativeInvertsAll) {
   }
 }
 
+TEST(CopyProcessedPixels, OutsideTheImageIsItsFirstByteWidenedIsKept) {
+  TestPrinter printer;
+  CxImage image;
+  fill(image, 2, 1, {1, 0});
+  for (const bool negative : {false, true}) {
+    printer.setNegativePrint(negative);
+    const std::uint8_t one = negative ? 0 : 255, zero = negative ? 255 : 0;
+    Bytes out(8, 0x55);
+    printer.copyProcessedPixels(&image, out.data(), 4, 2, 4);
+    EXPECT_EQ(out, (Bytes{one, zero, one, one, one, one, one, one}));
+  }
+  CxImage empty;
+  printer.setNegativePrint(false);
+  Bytes out(2, 0x55);
+  printer.copyProcessedPixels(&empty, out.data(), 2, 1, 2);
+  EXPECT_EQ(out, (Bytes{0, 0}));
+}
+
 TEST(CopyProcessedPixels, TwoLevelImage) {
   TestPrinter printer;
   CxImage image;

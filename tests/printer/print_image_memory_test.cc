@@ -57,6 +57,18 @@ TEST(PrintImageMemory, PageThatHasNoMemoryIsLeftOut) {
   EXPECT_TRUE(support::namesIn(folder / "spool").empty());
 }
 
+TEST(PrintImageMemory, PageOfMoreBytesThanThereAreNumbersIsLeftOut) {
+  TestPrinter printer;
+  const Bytes page(4, 0);
+  // 2 to the 40th lines of 2 to the 40th bytes: the product is 0 in 64 bits.
+  const std::string log =
+      support::standardErrorOf([&] { printer.printImage(page.data(), 1UL << 40, 1UL << 40, 4); });
+  EXPECT_NE(log.find("ERROR:printImage: Memory allocation failed, unable to process image"),
+            std::string::npos)
+      << log;
+  EXPECT_TRUE(printer.printed.empty());
+}
+
 TEST(PrintImageMemory, PageWhoseResultHasNoMemoryIsDumpedAndLeftOut) {
   const support::Folder folder;
   std::filesystem::create_directory(folder / "spool");
@@ -82,6 +94,29 @@ TEST(PrintImageMemory, PageWhoseResultHasNoMemoryIsDumpedAndLeftOut) {
       "");
   EXPECT_TRUE(printer.printed.empty());
   EXPECT_EQ(support::namesIn(folder / "spool").size(), 1U);
+}
+
+TEST(PrintImageMemory, TattooPageWithoutMemoryForItsDotsIsNotPrinted) {
+  const support::Folder folder;
+  std::filesystem::create_directory(folder / "spool");
+  ::setenv("TARVO_TEST_FOLDER", folder.path().c_str(), 1);
+  TestPrinter printer;
+  printer.setHalftoneType(Tattoo);
+  const Bytes page(kLargePage, 200);
+  const std::string log = support::standardErrorOf([&] {
+    const FailingAllocation dots(4);  // after scratch, result and page
+    printer.printImage(page.data(), kLargeSide, kLargeSide, kLargeSide);
+  });
+  ::unsetenv("TARVO_TEST_FOLDER");
+  EXPECT_NE(log.find("DEBUG:PageProcess: Applied Lumo dithering with stride 1024, width 1024\n"
+                     "ERROR:PageProcess: Failed to create a new CxImage from Lumo dithered data\n"
+                     "DEBUG:printImage: Processed image information"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find("ERROR:printImage: pimage is NULL, unable to print the image\n"),
+            std::string::npos)
+      << log;
+  EXPECT_TRUE(printer.printed.empty());
 }
 
 TEST(PrintImageMemory, WhicheverBlockIsMissingNothingIsReadBeyondTheOthers) {

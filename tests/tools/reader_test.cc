@@ -267,6 +267,7 @@ TEST(Reader, SaysWhatIsWrongAndWhere) {
       {"PRINT", "PRINT 2,1\r\n", 6, "\"1,\""},
       {"PRINT", "PRINT 1, 1\r\n", 8, copies},
       {"PRINT", "PRINT 1,2147483648\r\n", 8, copies},
+      {"PRINT", "PRINT 1,-2147483649\r\n", 8, copies},
       {"PRINT", "PRINT 1,-0\r\n", 8, copies},
       {"PRINT", "PRINT 1,01\r\n", 9, "\"\\r\\n\""},
       {"PRINT", "PRINT 1\r\n", 7, "\",\""},

@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint64_t kMostBytes = 1U << 20U;
 /// The address sanitizer ends a program that asks for more, which the filter would survive.
 constexpr std::uint64_t kMostRowBytes = 1U << 27U;
-constexpr std::uint64_t kRowCost = 32;  ///< a row is read and written by itself
+constexpr std::uint64_t kRowCost = 32;               ///< a row is read and written by itself
 constexpr std::uint64_t kMostPaperRows = 1U << 17U;  ///< more are never made up for
 
 struct Page {

@@ -47,7 +47,7 @@ std::string drawWord(Input& input) {
   constexpr std::string_view kLetters =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-+_%";
   std::string word;
-  for (std::size_t left = input.byte() % 48 + 1; left > 0; --left) {
+  for (std::size_t left = input.byte() % 48U + 1U; left > 0; --left) {
     word.push_back(kLetters[input.byte() % kLetters.size()]);
   }
   return word;

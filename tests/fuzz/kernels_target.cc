@@ -276,7 +276,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     default:
       break;
   }
-  const std::size_t width = input.byte() * std::size_t{2} + input.byte() % 2;
+  const std::size_t width = input.byte() * std::size_t{2} + input.byte() % 2U;
   const Bytes row = drawBytes(input, width);
   switch (kernel) {
     case 0:

@@ -75,6 +75,9 @@ Outcome failedToWrite(const RasterWriter& writer) {
 /// header may promise far more, which the next filter would hold in memory.
 constexpr std::uint64_t kMostPaperBytes = std::uint64_t{64} << 20U;
 
+/// As many rows: 5 m at 600 dpi. Each is written by itself, millions of them take seconds.
+constexpr std::uint64_t kMostPaperRows = std::uint64_t{1} << 17U;
+
 /// The rows of the page that are missing: paper, so that the page ends and what came of it is
 /// printed. It stays cut short where nothing came of it, where nothing is known about its bytes,
 /// and where only its header knows of so many rows.
@@ -85,7 +88,8 @@ Outcome endPage(const RasterReader& reader, RasterWriter& writer, const PageAlig
   std::fprintf(stderr, "ERROR: Page %u is cut short: %llu of its %llu rows came.\n", page,
                static_cast<unsigned long long>(row), static_cast<unsigned long long>(rows));
   const std::uint32_t size = alignment.header().cupsBytesPerLine;
-  if (!alignment.isNeeded() || row == 0 || rows - row > kMostPaperBytes / size) {
+  if (!alignment.isNeeded() || row == 0 || rows - row > kMostPaperRows ||
+      rows - row > kMostPaperBytes / size) {
     return Outcome::kFails;
   }
   const std::unique_ptr<std::uint8_t[]> paper = makeRow(alignment.header());

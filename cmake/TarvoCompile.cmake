@@ -33,4 +33,12 @@ if(TARVO_SANITIZE)
   target_link_options(tarvo_compile INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(TARVO_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "TARVO_FUZZ needs clang, whose library the fuzzers are made of")
+  endif()
+  # The fuzzer follows which branches an input takes, in everything that is not a library of others.
+  target_compile_options(tarvo_compile INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 include(${CMAKE_CURRENT_LIST_DIR}/TarvoHarden.cmake)

@@ -105,6 +105,8 @@ TEST(PageAlignment, LeavesEveryOtherPageAsItIs) {
       {"3 colours", [](auto& h) { h.cupsNumColors = 3; }},
       {"RGB", [](auto& h) { h.cupsColorSpace = CUPS_CSPACE_RGB; }},
       {"a device colour", [](auto& h) { h.cupsColorSpace = CUPS_CSPACE_DEVICE1; }},
+      {"no colour space that there is",
+       [](auto& h) { std::memset(&h.cupsColorSpace, 0xFF, sizeof h.cupsColorSpace); }},
       {"no width", [](auto& h) { h.cupsWidth = 0; }},
       {"a line shorter than the width", [](auto& h) { h.cupsBytesPerLine = 12; }},
       {"no multiple of 8 above the width",

@@ -215,6 +215,19 @@ TEST(RasterToAligned, EndsAPageThatIsCutShort) {
   }
 }
 
+// A header can promise any number of rows; each that is made up for costs time.
+TEST(RasterToAligned, MakesUpForNoMoreRowsThanALabelHas) {
+  constexpr unsigned kMostRows = 131072;  // 5 m at 600 dpi
+  for (const unsigned missing : {kMostRows, kMostRows + 1}) {
+    Page page = grayPage(8, 1, Drawing::Full);
+    page.header.cupsHeight = 1 + missing;
+    const Outcome outcome = align(support::uncheckedRasterFile({page}));
+    EXPECT_EQ(outcome.status, 1);
+    if (missing <= kMostRows) page.pixels.resize(std::size_t{8} * (1 + missing), 0);
+    EXPECT_EQ(differenceOf({page}, pagesOf(outcome.output)), "") << missing;
+  }
+}
+
 // Nobody knows what is paper in it.
 TEST(RasterToAligned, LeavesAnotherPageThatIsCutShortAsItIs) {
   Page page = grayPage(13, 5, Drawing::Full);

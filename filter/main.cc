@@ -62,7 +62,7 @@ class PageBuffer {
 };
 
 /// Keeps the memory of a page for the next one: else glibc gives it back and the kernel has to fill
-/// it with zeros anew, a fifth of a page's time. (Larger blocks than it lets us name are mapped.)
+/// it with zeros anew, an eighth of a page's time. (Larger blocks than it lets us name are mapped.)
 void keepMemoryBetweenPages() {
 #ifdef __GLIBC__
   mallopt(M_MMAP_THRESHOLD, 32 << 20);

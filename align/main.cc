@@ -121,6 +121,8 @@ Outcome passPage(RasterReader& reader, RasterWriter& writer, const cups_page_hea
     if (!writer.writeRow(passed, alignment.header().cupsBytesPerLine)) return failedToWrite(writer);
     report.passed(row + 1);
   }
+  // The next filter prints a page once it has all of it.
+  if (!writer.flush()) return failedToWrite(writer);
   report.counts(header.NumCopies);
   return Outcome::kGoesOn;
 }
@@ -153,6 +155,18 @@ Outcome passPages(RasterReader& reader, RasterWriter& writer) {
   return endPages(reader, page);
 }
 
+/// Whatever ends the job, the rows that came go on.
+Outcome passJob(RasterReader& reader, RasterWriter& writer) {
+  Outcome outcome = Outcome::kFails;
+  try {
+    outcome = passPages(reader, writer);
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "ERROR: Out of memory.\n");
+  }
+  if (writer.error() == 0 && !writer.flush()) return failedToWrite(writer);
+  return outcome;
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -170,10 +184,5 @@ int main(int argc, char* argv[]) {
   }
   RasterReader reader(input.descriptor());
   RasterWriter writer(STDOUT_FILENO);
-  try {
-    return passPages(reader, writer) == Outcome::kFails ? 1 : 0;
-  } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "ERROR: Out of memory.\n");
-    return 1;
-  }
+  return passJob(reader, writer) == Outcome::kFails ? 1 : 0;
 }

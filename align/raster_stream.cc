@@ -1,10 +1,21 @@
 #include "align/raster_stream.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "common/termination.h"
 
+namespace {
+
+/// As much as a pipe holds.
+constexpr std::size_t kGatheredBytes = std::size_t{64} << 10U;
+
+// Memory is asked for when a stream is opened, because nothing may be thrown through libcups.
+
+}  // namespace
+
 bool RasterReader::open() {
+  ahead_.resize(kGatheredBytes);
   raster_.reset(cupsRasterOpenIO(&RasterReader::read, this, CUPS_RASTER_READ));
   return raster_ != nullptr;
 }
@@ -20,16 +31,23 @@ bool RasterReader::readRow(std::uint8_t* row, std::uint32_t size) {
 
 ssize_t RasterReader::read(void* self, unsigned char* bytes, std::size_t size) {
   RasterReader& reader = *static_cast<RasterReader*>(self);
-  const ssize_t count = tarvoReadUnlessTerminated(reader.descriptor_, bytes, size);
-  if (count < 0) {
-    reader.error_ = errno;
-  } else {
-    reader.bytes_ += static_cast<std::uint64_t>(count);
+  if (reader.next_ == reader.end_) {
+    const ssize_t count =
+        tarvoReadUnlessTerminated(reader.descriptor_, reader.ahead_.data(), reader.ahead_.size());
+    if (count < 0) reader.error_ = errno;
+    if (count <= 0) return count;
+    reader.next_ = 0;
+    reader.end_ = static_cast<std::size_t>(count);
   }
-  return count;
+  const std::size_t count = std::min(size, reader.end_ - reader.next_);
+  std::copy_n(&reader.ahead_[reader.next_], count, bytes);
+  reader.next_ += count;
+  reader.bytes_ += count;
+  return static_cast<ssize_t>(count);
 }
 
 bool RasterWriter::open() {
+  gathered_.reserve(kGatheredBytes);
   raster_.reset(cupsRasterOpenIO(&RasterWriter::write, this, CUPS_RASTER_WRITE));
   return raster_ != nullptr;
 }
@@ -42,9 +60,22 @@ bool RasterWriter::writeRow(std::uint8_t* row, std::uint32_t size) {
   return cupsRasterWritePixels(raster_.get(), row, size) == size;
 }
 
+bool RasterWriter::flush() {
+  if (error_ == 0) send(gathered_.data(), gathered_.size());
+  gathered_.clear();
+  return error_ == 0;
+}
+
+bool RasterWriter::send(const std::uint8_t* bytes, std::size_t size) {
+  if (size == 0 || tarvoWriteUnlessTerminated(descriptor_, bytes, size) >= 0) return true;
+  error_ = errno;
+  return false;
+}
+
 ssize_t RasterWriter::write(void* self, unsigned char* bytes, std::size_t size) {
   RasterWriter& writer = *static_cast<RasterWriter*>(self);
-  const ssize_t count = tarvoWriteUnlessTerminated(writer.descriptor_, bytes, size);
-  if (count < 0) writer.error_ = errno;
-  return count;
+  if (size > kGatheredBytes - writer.gathered_.size() && !writer.flush()) return -1;
+  if (size >= kGatheredBytes) return writer.send(bytes, size) ? static_cast<ssize_t>(size) : -1;
+  writer.gathered_.insert(writer.gathered_.end(), bytes, bytes + size);
+  return static_cast<ssize_t>(size);
 }

@@ -4,14 +4,16 @@
 
 #include <cups/raster.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 struct RasterCloser {
   void operator()(cups_raster_t* raster) const { cupsRasterClose(raster); }
 };
 
-/// The pages that come.
+/// The pages that come. Reads ahead, so that rows of a few dots do not cost a system call each.
 class RasterReader {
  public:
   /// From a descriptor that stays the caller's.
@@ -42,12 +44,17 @@ class RasterReader {
   int descriptor_;
   int error_ = 0;
   std::uint64_t bytes_ = 0;
+  std::vector<std::uint8_t> ahead_;
+  std::size_t next_ = 0;  ///< the first byte of `ahead_` that was not taken yet
+  std::size_t end_ = 0;   ///< behind the last byte that came
   std::unique_ptr<cups_raster_t, RasterCloser> raster_;
 };
 
-/// The pages that go on, uncompressed.
+/// The pages that go on, uncompressed. Rows are gathered, so that those of a few dots do not cost a
+/// system call each.
 class RasterWriter {
  public:
+  /// To a descriptor that stays the caller's.
   explicit RasterWriter(int descriptor) : descriptor_(descriptor) {}
   RasterWriter(const RasterWriter&) = delete;
   RasterWriter& operator=(const RasterWriter&) = delete;
@@ -58,14 +65,21 @@ class RasterWriter {
   bool writeHeader(cups_page_header2_t header);
   bool writeRow(std::uint8_t* row, std::uint32_t size);
 
+  /// Writes what was gathered; what is not flushed when the writer goes is lost. After a failure it
+  /// fails again.
+  bool flush();
+
   /// Why writing failed, as errno has it; 0 when it did not.
   int error() const { return error_; }
 
  private:
   static ssize_t write(void* self, unsigned char* bytes, std::size_t size);
 
+  bool send(const std::uint8_t* bytes, std::size_t size);
+
   int descriptor_;
   int error_ = 0;
+  std::vector<std::uint8_t> gathered_;
   std::unique_ptr<cups_raster_t, RasterCloser> raster_;
 };
 

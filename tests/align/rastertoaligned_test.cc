@@ -240,6 +240,20 @@ TEST(RasterToAligned, LeavesAnotherPageThatIsCutShortAsItIs) {
   EXPECT_EQ(differenceOf({page}, pagesOf(outcome.output)), "");
 }
 
+// Rows are gathered up to 64 KiB, longer ones are not.
+TEST(RasterToAligned, RowsOfAnyLengthComeOutInTheirOrder) {
+  for (const unsigned width :
+       {1U, 8U, 13U, 4093U, 32767U, 65527U, 65528U, 65529U, 65537U, 200001U}) {
+    const unsigned height = width < 100 ? 30000 : 20;
+    const std::vector<Page> pages = {grayPage(width, height, Drawing::Random),
+                                     grayPage(width, 3, Drawing::Random)};
+    const Outcome outcome = align(support::rasterFile(pages));
+    EXPECT_EQ(outcome.status, 0) << width;
+    EXPECT_EQ(differenceOf({aligned(pages[0]), aligned(pages[1])}, pagesOf(outcome.output)), "")
+        << width;
+  }
+}
+
 // A4 at 1200 dpi is 139 MB; it is to pass through a few.
 TEST(RasterToAligned, HoldsARowNotAPage) {
   const support::Folder folder;
@@ -273,9 +287,11 @@ TEST(RasterToAligned, HoldsARowNotAPage) {
 /// The filter with a pipe on each side, of which the test holds the other ends.
 class RunningFilter : public testing::Test {
  protected:
-  void start() {
+  /// `output_flags`: O_DIRECT for a pipe that keeps writes apart, as pieces of 4096 bytes at most.
+  void start(int output_flags = 0) {
     int in[2], out[2], error[2];
-    ASSERT_EQ(pipe2(in, O_CLOEXEC) + pipe2(out, O_CLOEXEC) + pipe2(error, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(in, O_CLOEXEC) + pipe2(out, O_CLOEXEC | output_flags) + pipe2(error, O_CLOEXEC),
+              0);
     child_ = fork();
     ASSERT_GE(child_, 0);
     if (child_ == 0) {
@@ -332,6 +348,46 @@ class RunningFilter : public testing::Test {
   int out_ = -1;
   int error_ = -1;
 };
+
+// The next filter prints a page as soon as it has all of it.
+TEST_F(RunningFilter, APageGoesOnBeforeTheNextOneComes) {
+  start();
+  const std::string raster = support::rasterFile({grayPage(13, 5, Drawing::Random)});
+  feed(raster);
+  settle();
+  std::string output(65536, '\0');
+  const ssize_t count = read(out_, output.data(), output.size());
+  ASSERT_GT(count, 0);
+  output.resize(static_cast<std::size_t>(count));
+  EXPECT_EQ(differenceOf({aligned(grayPage(13, 5, Drawing::Random))}, pagesOf(output)), "");
+  close(in_);
+  EXPECT_EQ(end(), 0);
+  in_ = -1;
+}
+
+// Packed data of some kilobytes can hold millions of rows: a system call for each would take
+// seconds.
+TEST_F(RunningFilter, ShortRowsGoOnTogether) {
+  start(O_DIRECT);
+  std::thread feeder([this] {
+    const std::string raster = support::rasterFile({grayPage(8, 20000, Drawing::Random)});
+    feed(raster);
+    close(in_);
+  });
+  char piece[65536];
+  std::size_t pieces = 0;
+  ssize_t bytes = 0;
+  for (ssize_t count = read(out_, piece, sizeof piece); count > 0;
+       count = read(out_, piece, sizeof piece)) {
+    ++pieces;
+    bytes += count;
+  }
+  feeder.join();
+  in_ = -1;
+  EXPECT_EQ(end(), 0);
+  EXPECT_EQ(bytes, 4 + 1796 + 8 * 20000);
+  EXPECT_LT(pieces, 50U);
+}
 
 TEST_F(RunningFilter, CancelledWhileItWaitsForInputItEndsAtOnce) {
   const std::string raster = support::rasterFile({grayPage(13, 5, Drawing::Random)});

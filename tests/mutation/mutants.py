@@ -26,6 +26,7 @@ BINARY = {
     "+=": ["-="], "-=": ["+="], "*=": ["/="], "/=": ["*="], "%=": ["*="],
     "&=": ["|="], "|=": ["&="], "^=": ["|="], "<<=": [">>="], ">>=": ["<<="],
 }
+COMPARISONS = {"<", "<=", ">", ">=", "==", "!="}
 STEP = {"++": "--", "--": "++"}
 WORDS = {"true": "false", "false": "true"}
 # What stands in the parentheses after these is no code that runs.
@@ -51,6 +52,7 @@ class Mutant:
     before: str   # the changed lines as they are in the file, blanks collapsed; which of equal ones
     after: str    # and as they are in the mutant
     content: str  # all of the mutant
+    kind: str     # what was changed: "constant", "comparison", "operator", "statement"
 
     @property
     def key(self):
@@ -123,28 +125,29 @@ def spaced(content, token):
 
 
 def edits_of(content):
-    """Yields (start, end, replacement) for each change."""
+    """Yields (start, end, replacement, kind) for each change."""
     tokens = tokens_of(content)
     for index, token in enumerate(tokens):
         before = tokens[index - 1].text if index else ""
         if token.text == "0" and index > 1 and tokens[index - 2].text == "tarvoLogCommon":
-            yield token.start, token.end, "2"  # 1 has the same prefix as 0
+            yield token.start, token.end, "2", "constant"  # 1 has the same prefix as 0
         elif token.kind == "number":
             for number in changed_number(token.text):
-                yield token.start, token.end, number
+                yield token.start, token.end, number, "constant"
         elif token.kind in ("text", "character"):
-            yield token.start, token.end, changed_text(token.text)
+            yield token.start, token.end, changed_text(token.text), "constant"
         elif token.kind == "word" and token.text in WORDS:
-            yield token.start, token.end, WORDS[token.text]
+            yield token.start, token.end, WORDS[token.text], "constant"
         elif token.text == "if":
             yield from never(content, tokens, index)
         elif token.text in STEP:
-            yield token.start, token.end, STEP[token.text]
+            yield token.start, token.end, STEP[token.text], "operator"
         elif token.text in BINARY and spaced(content, token) and before not in ("operator", "auto"):
             for other in BINARY[token.text]:
-                yield token.start, token.end, other
+                yield token.start, token.end, other, \
+                    "comparison" if token.text in COMPARISONS else "operator"
         elif token.text in ("!", "-", "~") and before != "operator" and not is_destructor(tokens, index):
-            yield token.start, token.end, ""
+            yield token.start, token.end, "", "operator"
         if before in (";", "{", "}", ")", ":", "else"):
             yield from without(content, tokens, index)
 
@@ -164,7 +167,7 @@ def never(content, tokens, index):
     if ";" in inside or "=" in inside:
         return
     yield tokens[opening].start, tokens[end].end, \
-        "(false && (" + content[tokens[opening].end:tokens[end].start] + "))"
+        "(false && (" + content[tokens[opening].end:tokens[end].start] + "))", "statement"
 
 
 def without(content, tokens, index):
@@ -177,7 +180,7 @@ def without(content, tokens, index):
     statement = tokens[index:end]
     texts = [token.text for token in statement]
     if texts in (["return"], ["break"], ["continue"]) or is_call_or_assignment(statement, texts):
-        yield statement[0].start, tokens[end].start, ""
+        yield statement[0].start, tokens[end].start, "", "statement"
 
 
 def is_call_or_assignment(statement, texts):
@@ -209,7 +212,7 @@ def mutants_of(file, content):
         equal.setdefault(collapsed(line), []).append(number)
     seen = set()
     found = []
-    for start, end, replacement in edits_of(content):
+    for start, end, replacement, kind in edits_of(content):
         first = content.rfind("\n", 0, start) + 1
         last = (content + "\n").find("\n", end)
         line = content.count("\n", 0, start) + 1
@@ -218,7 +221,7 @@ def mutants_of(file, content):
             before += f"  (line {equal[before].index(line) + 1} of those)"
         mutant = Mutant(file=file, line=line, before=before,
                         after=collapsed(content[first:start] + replacement + content[end:last]),
-                        content=content[:start] + replacement + content[end:])
+                        content=content[:start] + replacement + content[end:], kind=kind)
         if mutant.content != content and mutant.content not in seen:
             seen.add(mutant.content)
             found.append(mutant)

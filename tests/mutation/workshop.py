@@ -33,8 +33,9 @@ DRIVEN = {
     "bad_jobs_test": "*-Shares/*:BadInput.Random*",
     "compared_jobs_test": "*-Jobs/*:RasterJobs.PlainPages:RasterJobs.LinesLongerThanTheWidth",
 }
-# How a job ends and how filters follow on each other is not up to these folders.
-WITHOUT = {folder: {"rastertoaligned_test", "cancel_test"} for folder in ("image", "enhance", "kernels")}
+# What they share with rastertoaligned is all in common; how a job ends is up to those that send it.
+WITHOUT = {folder: {"rastertoaligned_test"} for folder in ("printer", "filter")} | \
+          {folder: {"rastertoaligned_test", "cancel_test"} for folder in ("image", "enhance", "kernels")}
 EXTRA_TARGETS = [*FILTERS, "tarvo_test_redirect"]
 
 
@@ -253,7 +254,7 @@ class Workshop:
         folder = file.split("/")[0]
         names = [name for name in PROGRAMS if name not in WITHOUT.get(folder, ())]
         return sorted(names, key=lambda name: (PROGRAMS[name] != folder, name in DRIVEN,
-                                                  self.time_of[name]))
+                                               self.time_of[name]))
 
     def attempt(self, mutant):
         """What became of a mutant: ("refused" | "killed" | "same code" | "survived", by what)."""

@@ -104,6 +104,15 @@ TEST_F(AntiWrinkle, ThicknessesFollowTheResolution) {
   EXPECT_EQ(frame("Unknown", 3, 4, 4).rfind(levelLine(3, 71, 24), 0), 0U);
 }
 
+TEST_F(AntiWrinkle, HalfADotIsRoundedUp) {
+  // 140 dpi: 140 x 100 / 254 = 55, so (55 + 5) / 10 = 6, where 54 would give 5.
+  printer_.resolution_ = 140;
+  EXPECT_EQ(frame("Unknown", 1, 4, 4).rfind(levelLine(1, 6, 6), 0), 0U);
+  // 137 dpi: 137 x 100 / 254 = 53, (53 + 5) / 10 = 5.
+  printer_.resolution_ = 137;
+  EXPECT_EQ(frame("Unknown", 1, 4, 4).rfind(levelLine(1, 5, 5), 0), 0U);
+}
+
 TEST_F(AntiWrinkle, CanvasOfEachPaperSize) {
   // Content in dots at 300 dpi, (300 x m / 254 + 5) / 10 for m hundredths of a millimetre:
   // 20000 -> 2362, 27500 -> 3248, 21000 -> 2480, 25700 -> 3035, 11800 -> 1394, 10000 -> 1181.
@@ -188,6 +197,24 @@ TEST_F(AntiWrinkle, MarginIsWhiteInTheImagesOwnPalette) {
   ASSERT_EQ(image_.GetHeight(), 1418U);
   expectPicture({{0, 0, 12, 1418}, {1193, 0, 1205, 1418}, {0, 0, 1205, 12}, {0, 1406, 1205, 1418}},
                 {52, 209, 1153, 1209}, 0, 1);
+}
+
+TEST_F(AntiWrinkle, MarginIsWhiteNotWhatIsNearlyWhite) {
+  fill(image_, 1101, 1000, Bytes(std::size_t{1101} * 1000, 0));
+  std::vector<tagRGBQUAD> palette(256);
+  palette[11] = {254, 255, 255, 0};
+  palette[12] = {255, 254, 255, 0};
+  palette[13] = {255, 255, 254, 0};
+  palette[14] = {255, 255, 255, 0};
+  image_.SetPalette(palette.data(), 256);
+  std::strcpy(header_.cupsPageSizeName, "Tattoo_A6");
+  printer_.setPageHeader(&header_);
+  printer_.setAntiWrinkle(1);
+  support::standardErrorOf([&] { printer_.EnableAntiWrink(image_); });
+  ASSERT_EQ(image_.GetWidth(), 1205U);
+  ASSERT_EQ(image_.GetHeight(), 1418U);
+  expectPicture({{0, 0, 12, 1418}, {1193, 0, 1205, 1418}, {0, 0, 1205, 12}, {0, 1406, 1205, 1418}},
+                {52, 209, 1153, 1209}, 0, 14);
 }
 
 TEST_F(AntiWrinkle, LargerImageIsNotCroppedAndTheFrameIsCentredInIt) {

@@ -146,6 +146,22 @@ TEST(DitherRoute, BytesBeyondTheWidthAreNotLookedAt) {
   EXPECT_EQ(result.length, 8);
 }
 
+TEST(DitherRoute, WhatIsMissingOfALineIs0) {
+  const Bytes page = {255, 254, 253, 252, 251, 250};
+  const struct {
+    int stride;
+    Bytes expected;
+  } cases[] = {
+      {0, {0, 0, 0, 0, 0, 0, 0, 0}}, {1, {1, 0, 0, 0, 1, 0, 0, 0}}, {3, {1, 1, 1, 0, 1, 1, 1, 0}}};
+  for (const auto& [stride, expected] : cases) {
+    TestPrinter printer;
+    support::standardErrorOf([&, stride = stride] {
+      EXPECT_EQ(printer.PageProcess(None, page.data(), stride, 4, 2, nullptr), 8);
+    });
+    EXPECT_EQ(pixelsOf(printer.cximage_), expected) << stride;
+  }
+}
+
 // Tone, rotation, mirror
 
 TEST(Tone, BrightnessTimesFiveAndContrastTimesTwo) {
@@ -326,6 +342,32 @@ TEST(TattooRoute, LongerLinesAreReadBackToBackIsKept) {
     EXPECT_EQ(support::firstDifference(text(Bytes(chain.data, chain.data + 12)),
                                        text(pixelsOf(printer.ditheredImage_))),
               "");
+  }
+}
+
+TEST(TattooRoute, WithoutABufferThePageIsReadAsFromOneOfZeros) {
+  const int height = 5;
+  for (const DitherType type : {Tattoo, Tattoo_X8}) {
+    for (const int width : {1, 3, 4, 9}) {
+      for (int stride = 1; stride <= 6 * width; ++stride) {
+        const Bytes page = support::draw(support::Drawing::Random,
+                                         static_cast<unsigned>(std::max(stride, width)), height);
+        TestPrinter with, without;
+        with.setHalftoneType(type);
+        without.setHalftoneType(type);
+        Bytes out(std::size_t{2} * height * static_cast<std::size_t>(std::max(stride, width)), 0);
+        long length = -1, length_without = -2;
+        support::standardErrorOf([&] {
+          length = with.PageProcess(type, page.data(), stride, width, height, out.data());
+          length_without = without.PageProcess(type, page.data(), stride, width, height, nullptr);
+        });
+        EXPECT_EQ(support::firstDifference(text(pixelsOf(with.ditheredImage_)),
+                                           text(pixelsOf(without.ditheredImage_))),
+                  "")
+            << tarvoHalftoneTypeToStr(type) << ", width " << width << ", stride " << stride;
+        EXPECT_EQ(length, length_without);
+      }
+    }
   }
 }
 

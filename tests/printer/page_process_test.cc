@@ -422,17 +422,22 @@ TEST(Frame, LengthGoesByTheHeightOfThePageIsKept) {
 }
 
 TEST(Frame, ImageThatDoesNotFitTheBufferIsNotCopied) {
-  // 1418 rows of 1208 bytes against 2 x 100 x 100.
-  TestPrinter printer;
-  cups_page_header2_t header{};
-  std::strcpy(header.cupsPageSizeName, "Tattoo_A6");
-  printer.setPageHeader(&header);
-  printer.setAntiWrinkle(1);
-  const Result result = process(printer, None, Bytes(100 * 100, 255), 100, 100, 100);
-  EXPECT_EQ(result.out, Bytes(2 * 100 * 100, 0));
-  EXPECT_EQ(printer.pimage_->GetHeight(), 1418U);
-  // 1205 - 100 is odd: the image is 100 + 2 x 552 = 1204 wide, rows of 1204 bytes.
-  EXPECT_EQ(result.length, 100 * 1204);
+  // 1205 less an even width is odd: the image becomes 1204 wide. 1418 rows of 1204 bytes, 1707272
+  // in all, against 2 x 100 x 100, 2 x 800 x 800 = 1280000, and 2 x 924 x 924 = 1707552, which
+  // fits.
+  for (const int side : {100, 800, 924}) {
+    TestPrinter printer;
+    cups_page_header2_t header{};
+    std::strcpy(header.cupsPageSizeName, "Tattoo_A6");
+    printer.setPageHeader(&header);
+    printer.setAntiWrinkle(1);
+    const auto dots = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
+    const Result result = process(printer, None, Bytes(dots, 255), side, side, side);
+    EXPECT_EQ(printer.pimage_->GetWidth(), 1204U) << side;
+    EXPECT_EQ(printer.pimage_->GetHeight(), 1418U) << side;
+    EXPECT_EQ(result.length, side * 1204);
+    EXPECT_EQ(result.out == Bytes(2 * dots, 0), side < 924) << side;
+  }
 }
 
 TEST(Frame, ComesAfterTheNegative) {

@@ -33,9 +33,27 @@ TEST(CopyPixels, OutsideTheImageIsItsFirstByteIsKept) {
   TestPrinter printer;
   CxImage image;
   fill(image, 2, 1, {77, 78});
-  Bytes out(8, kUntouched);
-  printer.copyPixels(image, out.data(), 4, 2, 4);
-  EXPECT_EQ(out, (Bytes{77, 78, 77, 77, 77, 77, 77, 77}));
+  Bytes out(17, kUntouched);
+  printer.copyPixels(image, out.data(), 4, 4, 4);
+  EXPECT_EQ(out, (Bytes{77, 78, 77, 77, 77, 77, 77, 77,  //
+                        77, 77, 77, 77, 77, 77, 77, 77, kUntouched}));
+}
+
+TEST(CopyPixels, IndicesOfImagesOfLessThanAByteAPixel) {
+  TestPrinter printer;
+  const Bytes page = {0,   255, 255, 0, 255, 0,   0,   0,   0,   255,  //
+                      255, 0,   0,   0, 0,   255, 255, 255, 255, 255};
+  CxImage image;
+  fill(image, 10, 2, page);
+  ASSERT_TRUE(image.Dither(0));
+  ASSERT_EQ(image.GetNumColors(), 2U);
+  const Bytes indices = {0, 1, 1, 0, 1, 0, 0, 0, 0, 1,  //
+                         1, 0, 0, 0, 0, 1, 1, 1, 1, 1};
+  Bytes out(20);
+  printer.copyPixels(image, out.data(), 10, 2, 10);
+  EXPECT_EQ(out, indices);
+  printer.copyProcessedPixels(&image, out.data(), 10, 2, 10);
+  EXPECT_EQ(out, page);
 }
 
 TEST(CopyPixels, NegativeAndEmptySizesCopyNothing) {
@@ -73,9 +91,9 @@ TEST(CopyProcessedPixels, OutsideTheImageIsItsFirstByteWidenedIsKept) {
   for (const bool negative : {false, true}) {
     printer.setNegativePrint(negative);
     const std::uint8_t one = negative ? 0 : 255, zero = negative ? 255 : 0;
-    Bytes out(8, 0x55);
+    Bytes out(9, 0x55);
     printer.copyProcessedPixels(&image, out.data(), 4, 2, 4);
-    EXPECT_EQ(out, (Bytes{one, zero, one, one, one, one, one, one}));
+    EXPECT_EQ(out, (Bytes{one, zero, one, one, one, one, one, one, 0x55}));
   }
   CxImage empty;
   printer.setNegativePrint(false);
@@ -144,6 +162,13 @@ TEST(GrayToMono, PacksInkAsOneInPlace) {
        {1, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1},
        {0x80, 0x01},
        "DEBUG:GrayToMono, bpl(10), h(2), skipPixels(2), wb(8)\n"},
+      {"a skip of one",
+       9,
+       2,
+       1,
+       {1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 1},
+       {0x80, 0x01},
+       "DEBUG:GrayToMono, bpl(9), h(2), skipPixels(1), wb(8)\n"},
       {"one byte left",
        10,
        1,
@@ -167,6 +192,7 @@ TEST(GrayToMono, PacksInkAsOneInPlace) {
        {0xD0},
        "DEBUG:GrayToMono, bpl(4), h(1), skipPixels(400), wb(4)\n"},
       {"no rows", 10, 0, 0, {7, 7}, {}, "DEBUG:GrayToMono, bpl(10), h(0), skipPixels(0), wb(10)\n"},
+      {"no pixels", 0, 2, 0, {7, 7}, {}, "DEBUG:GrayToMono, bpl(0), h(2), skipPixels(0), wb(0)\n"},
       {"one pixel a row",
        1,
        3,

@@ -117,6 +117,31 @@ TEST(PrintImageMemory, TattooPageWithoutMemoryForItsDotsIsNotPrinted) {
             std::string::npos)
       << log;
   EXPECT_TRUE(printer.printed.empty());
+
+  support::standardErrorOf([&] {
+    const FailingAllocation second(2);  // after the page
+    EXPECT_EQ(printer.PageProcess(Tattoo, page.data(), kLargeSide, kLargeSide, kLargeSide, nullptr),
+              0);
+  });
+}
+
+TEST(PrintImageMemory, PageThatIsLostWhenItIsTurnedIsAll0) {
+  const Bytes page(kLargePage, 200);
+  Bytes out(2 * kLargePage);
+  for (const bool with_buffer : {true, false}) {
+    TestPrinter printer;
+    printer.setHalftoneType(Tattoo);
+    printer.setRotate180Print(true);
+    support::standardErrorOf([&] {
+      const FailingAllocation second(2);  // after the page
+      printer.PageProcess(Tattoo, page.data(), kLargeSide, kLargeSide, kLargeSide,
+                          with_buffer ? out.data() : nullptr);
+    });
+    ASSERT_FALSE(printer.cximage_.IsValid());
+    EXPECT_EQ(support::firstDifference(text(Bytes(kLargePage, 0)),
+                                       text(pixelsOf(printer.ditheredImage_))),
+              "");
+  }
 }
 
 TEST(PrintImageMemory, WhicheverBlockIsMissingNothingIsReadBeyondTheOthers) {

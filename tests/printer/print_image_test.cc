@@ -326,6 +326,15 @@ TEST_F(PrintImage, FirstPageThatFailsIsNotPrinted) {
   EXPECT_TRUE(dumped("dithered_").empty());
 }
 
+TEST_F(PrintImage, PageOfLinesWithoutBytesIsNotPrinted) {
+  const std::string log = print(Bytes(4, 0), 0, 3, 0);
+  EXPECT_TRUE(printer_.printed.empty());
+  EXPECT_NE(log.find("DEBUG:printImage: Memory allocated successfully, size: 0 bytes\n"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find(kNothingToPrint), std::string::npos) << log;
+}
+
 TEST_F(PrintImage, FailedPageAfterADitheredOneIsNotPrinted) {
   print(Bytes(4, 0), 4, 1, 4);
   ASSERT_EQ(printer_.printed.size(), 1U);

@@ -3,16 +3,18 @@
 #include <sys/mman.h>
 
 #include <cerrno>
-#include <cstddef>
 
 namespace {
 
 constexpr std::size_t kLargeBytes = 65536;
 
 int callsUntilFailure = 0;  // 0: none fails
+std::size_t failedBytes = 0;
 
 bool fails(std::size_t bytes) {
-  return callsUntilFailure > 0 && bytes >= kLargeBytes && --callsUntilFailure == 0;
+  if (callsUntilFailure == 0 || bytes < kLargeBytes || --callsUntilFailure > 0) return false;
+  failedBytes = bytes;
+  return true;
 }
 
 }  // namespace
@@ -36,6 +38,11 @@ void* __wrap_mmap(void* at, std::size_t size, int access, int flags, int file, o
   return __real_mmap(at, size, access, flags, file, from);
 }
 
-FailingAllocation::FailingAllocation(int nth) { callsUntilFailure = nth; }
+FailingAllocation::FailingAllocation(int nth) {
+  callsUntilFailure = nth;
+  failedBytes = 0;
+}
 
 FailingAllocation::~FailingAllocation() { callsUntilFailure = 0; }
+
+std::size_t FailingAllocation::bytes() const { return failedBytes; }

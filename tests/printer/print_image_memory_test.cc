@@ -78,6 +78,7 @@ TEST(PrintImageMemory, PageWhoseResultHasNoMemoryIsDumpedAndLeftOut) {
   const std::string log = support::standardErrorOf([&] {
     const FailingAllocation second(2);  // the scratch block is the first
     printer.printImage(page.data(), kLargeSide, kLargeSide, kLargeSide);
+    EXPECT_EQ(second.bytes(), 2 * kLargePage);
   });
   ::unsetenv("TARVO_TEST_FOLDER");
   EXPECT_EQ(

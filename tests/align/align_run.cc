@@ -1,20 +1,7 @@
 #include "align_run.h"
 
-#include <algorithm>
-#include <cstring>
+#include <string_view>
 #include <utility>
-
-namespace {
-
-ssize_t readString(void* context, unsigned char* bytes, std::size_t size) {
-  std::string_view& left = *static_cast<std::string_view*>(context);
-  const std::size_t count = std::min(size, left.size());
-  std::memcpy(bytes, left.data(), count);
-  left.remove_prefix(count);
-  return static_cast<ssize_t>(count);
-}
-
-}  // namespace
 
 support::Program alignProgram(std::string raster) {
   support::Program program;
@@ -29,17 +16,17 @@ support::Outcome align(std::string raster) { return support::run(alignProgram(st
 std::vector<support::Page> pagesOf(const std::string& raster) {
   std::vector<support::Page> pages;
   std::string_view left = raster;
-  cups_raster_t* stream = cupsRasterOpenIO(readString, &left, CUPS_RASTER_READ);
+  const support::RasterStream stream = support::openRaster(left);
   if (stream == nullptr) return pages;
   support::Page page;
-  while (cupsRasterReadHeader2(stream, &page.header) != 0) {
+  while (cupsRasterReadHeader2(stream.get(), &page.header) != 0) {
     page.pixels.clear();
     std::vector<std::uint8_t> row(page.header.cupsBytesPerLine);
-    while (cupsRasterReadPixels(stream, row.data(), page.header.cupsBytesPerLine) == row.size()) {
+    while (cupsRasterReadPixels(stream.get(), row.data(), page.header.cupsBytesPerLine) ==
+           row.size()) {
       page.pixels.insert(page.pixels.end(), row.begin(), row.end());
     }
     pages.push_back(page);
   }
-  cupsRasterClose(stream);
   return pages;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 #include "fuzz/finding.h"
 
@@ -113,22 +112,10 @@ bool isReadable(const cups_page_header2_t& header) {
 }
 
 RasterReader::RasterReader(const std::string& raster)
-    : bytes_(raster), raster_(cupsRasterOpenIO(read, this, CUPS_RASTER_READ)) {}
-
-RasterReader::~RasterReader() {
-  if (raster_ != nullptr) cupsRasterClose(raster_);
-}
-
-ssize_t RasterReader::read(void* reader, unsigned char* bytes, std::size_t size) {
-  RasterReader& self = *static_cast<RasterReader*>(reader);
-  const std::size_t count = std::min(size, self.bytes_.size() - self.at_);
-  std::memcpy(bytes, self.bytes_.data() + self.at_, count);
-  self.at_ += count;
-  return static_cast<ssize_t>(count);
-}
+    : left_(raster), raster_(support::openRaster(left_)) {}
 
 bool RasterReader::next() {
-  return raster_ != nullptr && cupsRasterReadHeader2(raster_, &header_) != 0;
+  return raster_ != nullptr && cupsRasterReadHeader2(raster_.get(), &header_) != 0;
 }
 
 std::uint64_t RasterReader::rows() const {
@@ -141,7 +128,7 @@ std::uint64_t RasterReader::rows() const {
 bool RasterReader::row(std::uint64_t most) {
   std::vector<std::uint8_t> row(std::min<std::uint64_t>(header_.cupsBytesPerLine, most));
   const auto size = static_cast<unsigned>(row.size());
-  return cupsRasterReadPixels(raster_, row.data(), size) == size;
+  return cupsRasterReadPixels(raster_.get(), row.data(), size) == size;
 }
 
 std::vector<std::uint8_t> RasterReader::pixels(std::uint64_t most) {
@@ -150,7 +137,7 @@ std::vector<std::uint8_t> RasterReader::pixels(std::uint64_t most) {
   const auto size = static_cast<unsigned>(pixels.size());
   // libcups counts rows in 32 bits: where they don't suffice it passes over some of the page.
   const bool counted = static_cast<std::uint32_t>(rows()) >= header_.cupsHeight;
-  if (cupsRasterReadPixels(raster_, pixels.data(), size) == 0 || !counted) pixels.clear();
+  if (cupsRasterReadPixels(raster_.get(), pixels.data(), size) == 0 || !counted) pixels.clear();
   return pixels;
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/raster.h"
@@ -35,7 +36,6 @@ bool isReadable(const cups_page_header2_t& header);
 class RasterReader {
  public:
   explicit RasterReader(const std::string& raster);
-  ~RasterReader();
   RasterReader(const RasterReader&) = delete;
   RasterReader& operator=(const RasterReader&) = delete;
 
@@ -55,11 +55,8 @@ class RasterReader {
   bool row(std::uint64_t most);
 
  private:
-  static ssize_t read(void* reader, unsigned char* bytes, std::size_t size);
-
-  const std::string& bytes_;
-  std::size_t at_ = 0;
-  cups_raster_t* raster_;
+  std::string_view left_;
+  support::RasterStream raster_;
   cups_page_header2_t header_{};
 };
 

@@ -1,8 +1,6 @@
 #include "hostile_job.h"
 
-#include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "jobs/compared_job.h"
@@ -28,18 +26,6 @@ std::string compressedPixels(const Page& page) {
   return std::string("\0\x0F\xFF\0\xF1", 5) +
          std::string(page.pixels.begin() + 16, page.pixels.end());
 }
-
-ssize_t readString(void* context, unsigned char* bytes, std::size_t size) {
-  std::string_view& left = *static_cast<std::string_view*>(context);
-  const std::size_t count = std::min(size, left.size());
-  std::memcpy(bytes, left.data(), count);
-  left.remove_prefix(count);
-  return static_cast<ssize_t>(count);
-}
-
-struct RasterCloser {
-  void operator()(cups_raster_t* raster) const { cupsRasterClose(raster); }
-};
 
 bool isCompressed(const std::string& raster) { return raster.compare(0, 4, "2SaR") == 0; }
 
@@ -69,8 +55,7 @@ std::string rasterOf(const cups_page_header2_t& header, Packing packing) {
 
 std::vector<Page> pagesOf(const std::string& raster) {
   std::string_view left = raster;
-  const std::unique_ptr<cups_raster_t, RasterCloser> stream(
-      cupsRasterOpenIO(readString, &left, CUPS_RASTER_READ));
+  const support::RasterStream stream = support::openRaster(left);
   std::vector<Page> pages;
   Page page;
   while (stream != nullptr && cupsRasterReadHeader2(stream.get(), &page.header) != 0) {

@@ -60,6 +60,14 @@ class MemoryFile {
   int descriptor_;
 };
 
+ssize_t readLeft(void* context, unsigned char* bytes, std::size_t size) {
+  std::string_view& left = *static_cast<std::string_view*>(context);
+  const std::size_t count = std::min(size, left.size());
+  std::memcpy(bytes, left.data(), count);
+  left.remove_prefix(count);
+  return static_cast<ssize_t>(count);
+}
+
 }  // namespace
 
 cups_page_header2_t grayHeader(unsigned width, unsigned height, unsigned dpi) {
@@ -155,6 +163,10 @@ std::string uncheckedRasterFile(const std::vector<Page>& pages) {
     bytes.append(page.pixels.begin(), page.pixels.end());
   }
   return bytes;
+}
+
+RasterStream openRaster(std::string_view& left) {
+  return RasterStream(cupsRasterOpenIO(readLeft, &left, CUPS_RASTER_READ));
 }
 
 }  // namespace support

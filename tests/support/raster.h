@@ -5,7 +5,9 @@
 #include <cups/raster.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace support {
@@ -44,6 +46,15 @@ std::string rasterFile(const std::vector<Page>& pages, Packing packing = Packing
 /// The pages as an uncompressed raster file written byte by byte, for headers that libcups would
 /// refuse to write.
 std::string uncheckedRasterFile(const std::vector<Page>& pages);
+
+struct RasterCloser {
+  void operator()(cups_raster_t* raster) const { cupsRasterClose(raster); }
+};
+using RasterStream = std::unique_ptr<cups_raster_t, RasterCloser>;
+
+/// Opens a raster file for reading by libcups; null when it is none. `left` is the file, and then
+/// what libcups has not taken of it: it must live as long as the stream.
+RasterStream openRaster(std::string_view& left);
 
 }  // namespace support
 

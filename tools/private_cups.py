@@ -12,6 +12,8 @@ import sys
 
 TOOLS = os.path.dirname(os.path.abspath(__file__))
 SOURCE = os.path.dirname(TOOLS)
+OUR_MODELS = [f"{SOURCE}/ppd/tarvo.drv"]
+OUR_MIME = [f"{SOURCE}/ppd/tarvo.convs", f"{SOURCE}/ppd/tarvo.types"]
 
 CUPS_FILES_CONF = """\
 ServerRoot {root}/etc
@@ -95,8 +97,11 @@ def install_filter(folder, name, original):
     os.chmod(target, 0o755)
 
 
-def lay_out(folder, ours):
-    """Makes the folders, with all that the distribution has but the filters named in `ours`."""
+def lay_out(folder, ours, models=OUR_MODELS, mime=OUR_MIME):
+    """Makes the folders, with all that the distribution has but its models and what is ours.
+
+    `ours` are names of filters, which are left out; `models` and `mime` are the files of ours.
+    """
     os.chmod(folder, 0o755)  # filters of a root cupsd are started as lp
     for name in ("etc/ppd", "etc/ssl", "bin/filter", "data/drv", "data/mime", "cache", "run/certs",
                  "spool/tmp", "log", "home"):
@@ -111,9 +116,10 @@ def lay_out(folder, ours):
     for entry in glob.glob(f"{data}/*"):
         if os.path.basename(entry) not in ("drv", "mime"):
             os.symlink(entry, os.path.join(folder, "data", os.path.basename(entry)))
-    for entry in glob.glob(f"{data}/mime/*") + glob.glob(f"{SOURCE}/ppd/tarvo.[tc]*s"):
+    for entry in glob.glob(f"{data}/mime/*") + mime:
         shutil.copy(entry, os.path.join(folder, "data/mime"))
-    shutil.copy(f"{SOURCE}/ppd/tarvo.drv", os.path.join(folder, "data/drv"))
+    for entry in models:
+        shutil.copy(entry, os.path.join(folder, "data/drv"))
 
 
 def configure(folder, port, error_policy="abort-job", kill_delay=10):

@@ -15,7 +15,7 @@ import tempfile
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from private_cups import PrivateCups  # noqa: E402
+from packaged_cups import PackagedCups  # noqa: E402
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAME = "printer-driver-tarvo"
@@ -203,7 +203,7 @@ def tidies_only_our_names(build, folder):
 def prints_in_a_queue(build, folder):
     """A print server that has only the unpacked package lists the models and prints with each."""
     root = unpack(build, os.path.join(folder, "root"))
-    with PrivateCups(os.path.join(folder, "cups"), root) as cups:
+    with PackagedCups(os.path.join(folder, "cups"), root) as cups:
         listed = [line.split(" ")[0] for line in cups.run("lpinfo", "-m").splitlines()
                   if "tarvo" in line]
         uris = [f"drv:///tarvo.drv/{model}" for model in MODELS]

@@ -75,7 +75,7 @@ Outcome failedToWrite(const RasterWriter& writer) {
 /// header may promise far more, which the next filter would hold in memory.
 constexpr std::uint64_t kMostPaperBytes = std::uint64_t{64} << 20U;
 
-/// As many rows: 5 m at 600 dpi. Each is written by itself, millions of them take seconds.
+/// As many rows: 5 m at 600 dpi, longer than any label.
 constexpr std::uint64_t kMostPaperRows = std::uint64_t{1} << 17U;
 
 /// The rows of the page that are missing: paper, so that the page ends and what came of it is

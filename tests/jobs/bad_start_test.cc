@@ -158,4 +158,23 @@ TEST(BadStart, PaperOfLessThanAMillimetreIsPrintedIsKept) {
   EXPECT_EQ(run.outcome.error.find("ERROR:"), std::string::npos);
 }
 
+TEST(BadStart, PaperIsTakenFromAMillionthOfAMillimetreOnIsKept) {
+  // A point is 0.3528 mm here.
+  const struct {
+    float points;
+    bool taken;
+  } cases[] = {{2.8340e-6F, false},  // 0.99984e-6 mm
+               {2.8350e-6F, true}};  // 1.00019e-6 mm
+  for (const auto& [points, taken] : cases) {
+    for (const bool narrow : {true, false}) {
+      FilterJob job;
+      job.setPpd(support::PpdText()
+                     .pageSize("least", narrow ? points : 288.0F, narrow ? 432.0F : points)
+                     .text());
+      const JobRun run = job.run(goodRaster());
+      EXPECT_EQ(run.outcome.ending(), taken ? "exit status 0" : "exit status 1") << points;
+    }
+  }
+}
+
 }  // namespace

@@ -53,6 +53,7 @@ class Mutant:
     after: str    # and as they are in the mutant
     content: str  # all of the mutant
     kind: str     # what was changed: "constant", "comparison", "operator", "statement"
+    first: bool   # whether it is the first of those that change this place
 
     @property
     def key(self):
@@ -211,6 +212,7 @@ def mutants_of(file, content):
     for number, line in enumerate(content.splitlines(), 1):
         equal.setdefault(collapsed(line), []).append(number)
     seen = set()
+    places = set()
     found = []
     for start, end, replacement, kind in edits_of(content):
         first = content.rfind("\n", 0, start) + 1
@@ -221,8 +223,10 @@ def mutants_of(file, content):
             before += f"  (line {equal[before].index(line) + 1} of those)"
         mutant = Mutant(file=file, line=line, before=before,
                         after=collapsed(content[first:start] + replacement + content[end:last]),
-                        content=content[:start] + replacement + content[end:], kind=kind)
+                        content=content[:start] + replacement + content[end:], kind=kind,
+                        first=(start, end) not in places)
         if mutant.content != content and mutant.content not in seen:
             seen.add(mutant.content)
+            places.add((start, end))
             found.append(mutant)
     return sorted(found, key=lambda mutant: mutant.line)

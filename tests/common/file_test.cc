@@ -1,0 +1,93 @@
+// Files that are written where others may have planted something.
+#include "common/file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "support/folder.h"
+
+namespace {
+
+/// The mask of a process, put back at the end.
+class Mask {
+ public:
+  explicit Mask(mode_t mask) : before_(umask(mask)) {}
+  ~Mask() { umask(before_); }
+  Mask(const Mask&) = delete;
+  Mask& operator=(const Mask&) = delete;
+
+ private:
+  mode_t before_;
+};
+
+mode_t accessOf(const std::filesystem::path& path) {
+  struct stat status {};
+  EXPECT_EQ(lstat(path.c_str(), &status), 0);
+  return status.st_mode & 07777U;
+}
+
+TEST(OwnFile, IsMadeForAllWhomTheMaskLets) {
+  const support::Folder folder;
+  for (const mode_t mask : {mode_t{0}, mode_t{022}, mode_t{077}}) {
+    const Mask set(mask);
+    const std::string path = folder / ("made" + std::to_string(mask));
+    ASSERT_NE(tarvoOpenOwnFile(path.c_str()), nullptr);
+    EXPECT_EQ(accessOf(path), 0666U & ~mask);
+  }
+}
+
+TEST(OwnFile, IsEmptiedAndWrittenTo) {
+  const support::Folder folder;
+  const std::string path = folder / "file";
+  support::writeFile(path, "longer than what follows");
+  {
+    const FileOwner file = tarvoOpenOwnFile(path.c_str());
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(fcntl(fileno(file.get()), F_GETFD), FD_CLOEXEC);
+    std::fputs("short", file.get());
+  }
+  EXPECT_EQ(support::readFile(path), "short");
+}
+
+TEST(OwnFile, CanBeReadBack) {
+  const support::Folder folder;
+  const std::string path = folder / "file";
+  const FileOwner file = tarvoOpenOwnFile(path.c_str());
+  ASSERT_NE(file, nullptr);
+  std::fputs("x", file.get());
+  std::rewind(file.get());
+  EXPECT_EQ(std::fgetc(file.get()), 'x');
+}
+
+TEST(OwnFile, WhatWasPlantedIsLeftAsItWas) {
+  const support::Folder folder;
+  const std::string target = folder / "target", path = folder / "path";
+  support::writeFile(target, "content");
+  const struct {
+    const char* what;
+    void (*plant)(const std::string& target, const std::string& path);
+  } cases[] = {
+      {"a link", [](const std::string& to,
+                    const std::string& at) { std::filesystem::create_symlink(to, at); }},
+      {"a second name", [](const std::string& to,
+                           const std::string& at) { std::filesystem::create_hard_link(to, at); }},
+      {"a folder",
+       [](const std::string&, const std::string& at) { std::filesystem::create_directory(at); }},
+      {"a pipe", [](const std::string&, const std::string& at) { mkfifo(at.c_str(), 0600); }}};
+  for (const auto& [what, plant] : cases) {
+    plant(target, path);
+    const auto kind = std::filesystem::symlink_status(path).type();
+    EXPECT_EQ(tarvoOpenOwnFile(path.c_str()), nullptr) << what;
+    EXPECT_EQ(support::readFile(target), "content") << what;
+    EXPECT_EQ(std::filesystem::symlink_status(path).type(), kind) << what;
+    std::filesystem::remove(path);
+  }
+  EXPECT_EQ(tarvoOpenOwnFile((folder / "none" / "file").c_str()), nullptr);
+}
+
+}  // namespace

@@ -90,6 +90,12 @@ void forEachPage(Compare compare) {
 /// Numbers of every size and sign, not-a-numbers and infinities among them.
 std::vector<float> numbers() {
   std::vector<float> all = {0.0F, -0.0F, 1.0F, -1.0F, 0.5F, 2.0F, 1e-6F, 1e30F, -1e30F};
+  // The last step of this root, and the last term of this power, are just above the tolerance.
+  all.insert(all.end(), {0x1.17c5d8p-36F, 0x1.56bc7ep-1F});
+  for (int i = -40; i <= 40; ++i) {  // either side of a half
+    const float half = static_cast<float>(i) + 0.5F;
+    all.insert(all.end(), {half - 0.0004F, half, half + 0.0004F});
+  }
   std::mt19937 random(7);
   for (int i = 0; i < 3000; ++i)
     all.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(random())));

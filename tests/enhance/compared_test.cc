@@ -185,8 +185,9 @@ TEST(Compared, WeightedSums) {
 }
 
 TEST(Compared, ToneCurves) {
-  constexpr std::array<float, 2> kGammas[] = {
-      {1.0F, 1.0F}, {0.8F, 1.2F}, {1.2F, 0.8F}, {0.3F, 3.0F}, {2.0F, 0.5F}};
+  constexpr std::array<float, 2> kGammas[] = {{1.0F, 1.0F}, {0.8F, 1.2F}, {1.2F, 0.8F},
+                                              {0.3F, 3.0F}, {2.0F, 0.5F}, {1.0F, 0.0F},
+                                              {0.5F, -1.0F}};
   for (int pivot = 0; pivot < 256; ++pivot) {
     for (const auto& [low, high] : kGammas) {
       EXPECT_EQ(piecewiseGammaTable(pivot, low, high),
@@ -194,6 +195,17 @@ TEST(Compared, ToneCurves) {
           << pivot << ", " << low << ", " << high;
     }
   }
+}
+
+TEST(Compared, CurvedPages) {
+  forEachPage([](const Gray& page, const std::string& what) {
+    LumoImage curved = lumoOf(page);
+    enh_piecewise_gamma(curved, 64, 0.85F, 0.7F);
+    EXPECT_EQ(support::firstDifference(bytesOf(reference::piecewiseGamma(page, 64, 0.85F, 0.7F)),
+                                       bytesOf(curved)),
+              "")
+        << what;
+  });
 }
 
 TEST(Compared, MomentsThresholds) {

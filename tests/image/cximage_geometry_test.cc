@@ -130,6 +130,33 @@ TEST(Mirror, BytesOf4BitRowsAreReversedAsIfTheyWerePixels) {
   EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{0, 0, 4, 3, 2, 1, 0, 0}));
 }
 
+TEST(Mirror, OfOtherDepthsMovesTheBytesThatBothRowsHave) {
+  for (const std::uint32_t bpp : {1u, 4u, 24u}) {
+    for (std::uint32_t width = 1; width <= 40; ++width) {
+      CxImage image;
+      image.Create(width, 2, bpp, 0);
+      const int stride = static_cast<int>(image.GetEffWidth());
+      for (std::uint32_t y = 0; y < 2; ++y) {
+        for (int i = 0; i < stride; ++i) {
+          image.GetBits(y)[i] = static_cast<std::uint8_t>(1 + i + 125 * static_cast<int>(y));
+        }
+      }
+      image.Mirror();
+      const int last = static_cast<int>(width - 1) * (bpp == 24 ? 3 : 1);
+      for (std::uint32_t y = 0; y < 2; ++y) {
+        std::vector<int> expected(image.GetEffWidth(), 0);
+        for (int i = 0; i < static_cast<int>(expected.size()) && i <= last; ++i) {
+          const int from = last - i;
+          if (from < stride) {
+            expected[static_cast<std::size_t>(i)] = 1 + from + 125 * static_cast<int>(y);
+          }
+        }
+        EXPECT_EQ(rowBytes(image, y), expected) << bpp << " bits, width " << width;
+      }
+    }
+  }
+}
+
 // The rows of the 8-bit result are shorter than 24-bit rows and longer than 1- and 4-bit rows: the
 // sanitizers watch that nothing outside the blocks is touched.
 TEST(Mirror, AtOtherDepthsStaysInsideItsBlocks) {
@@ -208,6 +235,16 @@ TEST(Expand, At24BitsWritesTheColourItself) {
   EXPECT_TRUE(image.Expand(1, 1, 1, 0, rgb(70, 80, 90)));
   EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{90, 80, 70, 1, 2, 3, 4, 5, 6, 90, 80, 70}));
   EXPECT_EQ(rowBytes(image, 1), (std::vector<int>{90, 80, 70, 90, 80, 70, 90, 80, 70, 90, 80, 70}));
+}
+
+TEST(Expand, At24BitsLeavesThePaddingOfARow0) {
+  const std::uint8_t array[] = {1, 2, 3, 4, 5, 6};
+  CxImage image;
+  ASSERT_TRUE(image.CreateFromArray(array, 2, 1, 24, 6, false));
+  EXPECT_TRUE(image.Expand(1, 1, 2, 0, rgb(70, 80, 90)));
+  ASSERT_EQ(image.GetEffWidth(), 16U);
+  EXPECT_EQ(rowBytes(image, 0)[15], 0);
+  EXPECT_EQ(rowBytes(image, 1)[15], 0);
 }
 
 TEST(Expand, NegativeMarginFailsAndLeavesTheImage) {
@@ -306,6 +343,12 @@ TEST(MakeCenter, CentresInColumnsOfZero) {
     EXPECT_EQ(levelsOf(image), c.expected);
     EXPECT_EQ(image.GetPaletteColor(2), rgb(1, 2, 3, 4));
   }
+}
+
+TEST(MakeCenter, OfARowWithoutPaddingTakesNothingFromTheNext) {
+  IndexedImage image(8, {{1, 2, 3, 4}, {5, 6, 7, 8}});
+  image.MakeCenter(8);
+  EXPECT_EQ(levelsOf(image), (Levels{{0, 0, 1, 2, 3, 4, 0, 0}, {0, 0, 5, 6, 7, 8, 0, 0}}));
 }
 
 TEST(MakeCenter, NotWiderDoesNothing) {

@@ -138,6 +138,18 @@ TEST(Lut, ReplacesEachIndexAndMasksItToTheDepth) {
   }
 }
 
+TEST(Lut, ChangesEachPixelOnceAndNothingBesideIt) {
+  std::array<std::uint8_t, 256> next{};
+  for (std::size_t i = 0; i < next.size(); ++i) next[i] = static_cast<std::uint8_t>(i + 1);
+  // Rows of four bytes: of eight pixels, without padding, and of seven.
+  IndexedImage full(4, {{0, 1, 2, 3, 4, 5, 6, 7}, {1, 1, 1, 1, 1, 1, 1, 1}});
+  ASSERT_TRUE(full.Lut(next.data()));
+  EXPECT_EQ(levelsOf(full), (Levels{{1, 2, 3, 4, 5, 6, 7, 8}, {2, 2, 2, 2, 2, 2, 2, 2}}));
+  IndexedImage padded(4, {{0, 1, 2, 3, 4, 5, 6}});
+  ASSERT_TRUE(padded.Lut(next.data()));
+  EXPECT_EQ(rowBytes(padded, 0), (std::vector<int>{0x12, 0x34, 0x56, 0x70}));
+}
+
 TEST(Lut, At24BitsSucceedsAndChangesNothing) {
   const std::uint8_t array[] = {1, 2, 3, 4, 5, 6};
   CxImage image;
@@ -267,6 +279,14 @@ TEST(IncreaseBpp, To24BitsLooksUpTheColours) {
     EXPECT_TRUE(image.IncreaseBpp(24));
     EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{30, 20, 10, 70, 60, 50, 0, 0})) << bpp;
   }
+}
+
+TEST(IncreaseBpp, LeavesThePaddingOfARow0) {
+  IndexedImage image(4, {{1, 1, 1, 1, 1}});
+  image.SetPaletteColor(0, 7, 8, 9, 0);
+  image.SetPaletteColor(1, 1, 2, 3, 0);
+  ASSERT_TRUE(image.IncreaseBpp(24));
+  EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{3, 2, 1, 3, 2, 1, 3, 2, 1, 3, 2, 1, 3, 2, 1, 0}));
 }
 
 TEST(IncreaseBpp, OfAnEmptyImageFails) {

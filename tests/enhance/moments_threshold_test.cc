@@ -117,6 +117,14 @@ TEST(MomentsThreshold, NoLevelAboveTheTargetIsMinus1) {
 }
 
 // Pages that are all but uniform, the everyday case: rounding decides, and the search ends.
+TEST(MomentsThreshold, NothingIsReadOfAPageWithoutPixels) {
+  // The shares are 0 / 0.
+  for (const GrayRows& page : {GrayRows{nullptr, 0, 0, 0}, GrayRows{nullptr, 0, 0, 5},
+                               GrayRows{nullptr, 8, 8, 0}, GrayRows{nullptr, 8, 0, 1}}) {
+    EXPECT_EQ(momentsThreshold(page), 128) << page.width << " x " << page.height;
+  }
+}
+
 TEST(MomentsThreshold, OneDotOnAPage) {
   const struct {
     int pixels;

@@ -56,6 +56,7 @@ TEST(SetGap, PaperTypeAndGapChooseTheCommand) {
       {1e-6F, 0, "LabelGaps", "GAP 0, 0\r\n", ""},
       {1e-7F, 0, "LabelGaps", "GAP 0, 0\r\n", ""},
       // Then the labels.
+      {1.0005e-6F, 0, "LabelGaps", "GAP 0.0 mm, 0.0 mm\r\n", ""},
       {2e-6F, 0, "LabelGaps", "GAP 0.0 mm, 0.0 mm\r\n", ""},
       {3, 0, "LabelGaps", "GAP 3.0 mm, 0.0 mm\r\n", ""},
       {2.54F, 1.25F, "LabelGaps", "GAP 2.5 mm, 1.2 mm\r\n", ""},
@@ -127,6 +128,7 @@ TEST(SetSpeed, TextIsCopiedWhenItIsANumberAboveZero) {
       {"0.0", ""},
       {"-4", ""},
       {"1e-15", ""},  // not above 1e-15
+      {"1.0005e-15", "SPEED 1.0005e-15\r\n"},
       {"1e-16", ""},
       {"", ""},
       {"Fast", ""},

@@ -191,4 +191,28 @@ TEST(BadPage, PageWithoutItsDataIsSkippedAfterItsSetup) {
   EXPECT_EQ(run.dumps.size(), 2U);
 }
 
+// Planes count as rows of the page in libcups, which counts them in 32 bits. The number of colours
+// says nothing of pages whose colours lie side by side.
+TEST(BadPage, PlanesAreNoReasonToLeaveAPageOutUnlessTheirNumberWraps) {
+  const struct {
+    cups_order_t order;
+    unsigned colours;
+    bool printed;
+  } cases[] = {{CUPS_ORDER_CHUNKED, 0, true},
+               {CUPS_ORDER_CHUNKED, 1, true},
+               {CUPS_ORDER_CHUNKED, 0xAAAAAAAB, true},
+               {CUPS_ORDER_PLANAR, 1, true},
+               {CUPS_ORDER_PLANAR, 0xAAAAAAAB, false}};
+  for (const auto& [order, colours, printed] : cases) {
+    Page page{support::grayHeader(16, 3), std::vector<std::uint8_t>(48, 255)};
+    page.header.cupsColorOrder = order;
+    page.header.cupsNumColors = colours;
+    FilterJob job;
+    job.setPpd(goodPpd().text());
+    const JobRun run = job.run(support::uncheckedRasterFile({page}));
+    EXPECT_EQ(run.outcome.output.find("BITMAP") != std::string::npos, printed)
+        << "order " << order << ", " << colours << " colours";
+  }
+}
+
 }  // namespace

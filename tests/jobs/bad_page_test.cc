@@ -191,6 +191,15 @@ TEST(BadPage, PageWithoutItsDataIsSkippedAfterItsSetup) {
   EXPECT_EQ(run.dumps.size(), 2U);
 }
 
+TEST(BadPage, PageOfOneDotIsNone) {
+  FilterJob job;
+  job.setPpd(goodPpd().text());
+  const JobRun run = job.run(
+      support::rasterFile({Page{support::grayHeader(1, 1), std::vector<std::uint8_t>(1, 255)}}));
+  EXPECT_EQ(run.outcome.ending(), "exit status 0");
+  EXPECT_NE(run.outcome.output.find("BITMAP 0,0,1,1,0,"), std::string::npos);
+}
+
 // Planes count as rows of the page in libcups, which counts them in 32 bits. The number of colours
 // says nothing of pages whose colours lie side by side.
 TEST(BadPage, PlanesAreNoReasonToLeaveAPageOutUnlessTheirNumberWraps) {

@@ -230,8 +230,13 @@ class Workshop:
         elif target in self.header_of:
             first += ["-include", self.header_of[target]]
         command = words[:1] + first + words[1:] + ["-c", source, "-o", made]
+
+        def set_limits():  # a template may have become one without an end
+            resource.setrlimit(resource.RLIMIT_CPU, (60, 61))
+            resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+
         return subprocess.run(command, cwd=self.build, stdout=subprocess.DEVNULL,
-                              stderr=subprocess.DEVNULL, timeout=300).returncode == 0
+                              stderr=subprocess.DEVNULL, preexec_fn=set_limits).returncode == 0
 
     def link(self, name, objects, output):
         """Links a program with the mutant's objects. Returns whether it is made of them at all."""

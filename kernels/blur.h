@@ -28,6 +28,7 @@ class FloatRow {
   struct alignas(64) Line {
     float floats[kLine];
   };
+  static_assert(sizeof(Line) == kLine * sizeof(float));
   std::vector<Line> lines_;
 };
 

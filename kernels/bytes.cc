@@ -128,7 +128,7 @@ void widenOnes(const std::uint8_t* from, std::size_t count, std::uint8_t inversi
 void countLevels(const std::uint8_t* bytes, std::size_t count, std::int64_t counts[256]) {
   // Eight counters a level: a page of few levels would else wait for its last increment each time.
   constexpr std::size_t kTables = 8;
-  constexpr std::size_t kMost = std::size_t{1} << 30;  // far from where 32 bits overflow
+  constexpr std::size_t kMost = std::size_t{1} << 24;  // far from where 32 bits overflow
   for (std::size_t begin = 0; begin < count; begin += kMost) {
     const std::size_t end = count - begin < kMost ? count : begin + kMost;
     std::uint32_t tables[kTables][256] = {};

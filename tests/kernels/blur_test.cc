@@ -133,13 +133,15 @@ TEST_P(BlurPasses, AcrossRows) {
   }
 }
 
-/// From -32385 to 32640, the farthest that the weights may lead; halves are rounded up.
+/// From -32385 to 32640, the farthest that the weights may lead; halves are rounded up, and the
+/// sums of odd levels with 0.499999, which lie just below, are rounded down.
 TEST_P(BlurPasses, SharpeningSaturates) {
   constexpr struct {
     float alpha, beta;
-  } kWeights[] = {{4.0F, -3.0F},  {0.0F, 1.0F},   {1.0F, 0.0F},     {0.5F, 0.0F},
-                  {0.5F, -0.5F},  {-1.5F, 0.5F},  {100.0F, -28.0F}, {-100.0F, 28.0F},
-                  {128.0F, 0.0F}, {0.0F, 128.0F}, {1.0F, -127.0F},  {64.0F, 64.0F}};
+  } kWeights[] = {{4.0F, -3.0F},    {0.0F, 1.0F},   {1.0F, 0.0F},     {0.5F, 0.0F},
+                  {0.5F, -0.5F},    {-1.5F, 0.5F},  {100.0F, -28.0F}, {-100.0F, 28.0F},
+                  {128.0F, 0.0F},   {0.0F, 128.0F}, {1.0F, -127.0F},  {64.0F, 64.0F},
+                  {0.499999F, 0.0F}};
   for (const auto& weights : kWeights) {
     for (const std::size_t count : counts()) {
       const Floats random = noise(count, static_cast<unsigned>(count) + 9);

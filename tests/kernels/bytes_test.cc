@@ -99,14 +99,26 @@ TEST_P(ByteRows, OnesAreWidenedAndThenInverted) {
 TEST_P(ByteRows, AreCountedByLevel) {
   for (int width = 1; width <= 300; ++width) {
     for (const NamedPage& page : pagesOf(width, 3)) {
-      std::array<std::int64_t, 256> expected{};
-      expected[7] = 5;  // what is there already stays
-      std::array<std::int64_t, 256> counts = expected;
+      std::array<std::int64_t, 257> expected{};
+      expected[7] = 5;    // what is there already stays
+      expected[256] = 9;  // and so does what lies behind
+      std::array<std::int64_t, 257> counts = expected;
       for (const std::uint8_t level : page.pixels.px) ++expected[level];
       kernels::countLevels(page.pixels.px.data(), page.pixels.px.size(), counts.data());
       ASSERT_EQ(counts, expected) << page.name << ", width " << width;
     }
   }
+}
+
+/// Counted in pieces of 16 MiB: a few bytes more than two of them.
+TEST(Levels, OfManyBytesAreCounted) {
+  const Bytes line = pagesOf(1009, 1).front().pixels.px;
+  Bytes levels((2U << 24U) + 11);
+  std::array<std::int64_t, 256> expected{};
+  for (std::size_t i = 0; i < levels.size(); ++i) ++expected[levels[i] = line[i % line.size()]];
+  std::array<std::int64_t, 256> counts{};
+  kernels::countLevels(levels.data(), levels.size(), counts.data());
+  EXPECT_EQ(counts, expected);
 }
 
 }  // namespace

@@ -31,9 +31,9 @@ class DiffusionEngine : public EveryTarget {
     const auto height = static_cast<std::size_t>(page.pixels.height);
     const reference::Gray plain = reference::dither(page.pixels, method.number);
 
-    // Rows farther apart than they are wide on both sides.
+    // Rows farther apart than they are wide on both sides. The levels end where their memory does.
     const std::size_t stride = width + 5;
-    std::vector<std::uint8_t> levels(stride * height, 0x5A);
+    std::vector<std::uint8_t> levels(stride * (height - 1) + width, 0x5A);
     for (std::size_t y = 0; y < height; ++y) {
       std::copy_n(page.pixels.px.begin() + static_cast<std::ptrdiff_t>(y * width), width,
                   levels.begin() + static_cast<std::ptrdiff_t>(y * stride));

@@ -118,16 +118,15 @@ class Workshop:
             self.link_of[name] = words
             self.output[name] = words[words.index("-o") + 1]
 
-        # Which objects of the product are made of a file: itself, or what includes it.
+        # Which objects are made of a file: itself, or what includes it. Tests do as well: the code of a
+        # header is compiled in them a second time, and what it says of sizes must be the same in all.
         self.objects_of = {}
         target = None
         real = {}
         for line in call("ninja", "-C", self.build, "-t", "deps").splitlines():
             if line and not line.startswith(" "):
                 target = line.split(":")[0]
-                if target.startswith("tests/"):
-                    target = None
-            elif target and line:
+            elif line:
                 path = line.strip()
                 if path not in real:
                     real[path] = os.path.relpath(os.path.realpath(os.path.join(self.build, path)),
@@ -139,7 +138,7 @@ class Workshop:
         """The system's headers, which are most of a compilation, once for each set of definitions."""
         headers = set()
         for source in self.objects_of:
-            if source.startswith("tools/"):
+            if source.startswith(("tools/", "tests/")):
                 continue
             with open(os.path.join(self.tree, source), encoding="utf-8") as file:
                 headers |= set(re.findall(r"^#include <(?!hwy/)[^>]+>", file.read(), re.M))
@@ -231,8 +230,13 @@ class Workshop:
         elif target in self.header_of:
             first += ["-include", self.header_of[target]]
         command = words[:1] + first + words[1:] + ["-c", source, "-o", made]
+
+        def set_limits():  # a template may have become one without an end
+            resource.setrlimit(resource.RLIMIT_CPU, (60, 61))
+            resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+
         return subprocess.run(command, cwd=self.build, stdout=subprocess.DEVNULL,
-                              stderr=subprocess.DEVNULL, timeout=300).returncode == 0
+                              stderr=subprocess.DEVNULL, preexec_fn=set_limits).returncode == 0
 
     def link(self, name, objects, output):
         """Links a program with the mutant's objects. Returns whether it is made of them at all."""

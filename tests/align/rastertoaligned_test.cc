@@ -389,6 +389,24 @@ TEST_F(RunningFilter, ShortRowsGoOnTogether) {
   EXPECT_LT(pieces, 50U);
 }
 
+// A log that nobody reads is no reason to stop, nor is the signal that tells of one while it waits.
+TEST_F(RunningFilter, InterruptedWhileItWaitsForInputItWaitsOn) {
+  const std::string raster = support::rasterFile({grayPage(13, 5, Drawing::Random)});
+  start();
+  feed(raster.substr(0, 1000));
+  settle();
+  kill(child_, SIGPIPE);
+  settle();
+  feed(raster.substr(1000));
+  settle();
+  kill(child_, SIGPIPE);  // and now it waits for nothing but the end
+  settle();
+  close(in_);
+  in_ = -1;
+  EXPECT_EQ(end(), 0);
+  EXPECT_THAT(said(), HasSubstr("PAGE: 1 1\n"));
+}
+
 TEST_F(RunningFilter, CancelledWhileItWaitsForInputItEndsAtOnce) {
   const std::string raster = support::rasterFile({grayPage(13, 5, Drawing::Random)});
   for (const std::size_t come :

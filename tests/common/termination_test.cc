@@ -1,0 +1,70 @@
+// Reading and writing that only SIGTERM interrupts. Here the signal does not come: whole jobs that
+// are cancelled have tests of their own.
+#include "common/termination.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+namespace {
+
+/// Both ends of a pipe that takes all that the tests write.
+struct Pipe {
+  Pipe() {
+    if (pipe2(ends, O_CLOEXEC) != 0) ADD_FAILURE() << "no pipe";
+  }
+  ~Pipe() {
+    close(ends[0]);
+    if (ends[1] >= 0) close(ends[1]);
+  }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  void end() {
+    close(ends[1]);
+    ends[1] = -1;
+  }
+
+  int ends[2] = {-1, -1};
+};
+
+TEST(ReadAndWrite, EveryByteComesThrough) {
+  for (const std::size_t size : {0U, 1U, 2U, 4095U, 4096U, 4097U, 8192U, 8193U, 50000U}) {
+    Pipe pipe;
+    std::string bytes(size, 'a');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>('a' + i % 23);
+    EXPECT_EQ(tarvoWriteUnlessTerminated(pipe.ends[1], bytes.data(), size),
+              static_cast<ssize_t>(size));
+    pipe.end();
+    std::string come(size + 10, '\0');
+    std::size_t count = 0;
+    for (ssize_t got = 1; got > 0; count += static_cast<std::size_t>(got)) {
+      got = tarvoReadUnlessTerminated(pipe.ends[0], &come[count], come.size() - count);
+      ASSERT_GE(got, 0) << size;
+    }
+    EXPECT_EQ(come.substr(0, count), bytes);
+  }
+}
+
+TEST(ReadAndWrite, TheEndIsTheEndWhateverWentBefore) {
+  for (const int before : {0, EINTR, EAGAIN, EIO}) {
+    Pipe pipe;
+    pipe.end();
+    char byte = 0;
+    errno = before;
+    EXPECT_EQ(tarvoReadUnlessTerminated(pipe.ends[0], &byte, 1), 0) << before;
+  }
+}
+
+TEST(ReadAndWrite, FailureIsMinusOneWithItsReason) {
+  constexpr int kNotOpen = 1000;
+  char byte = 0;
+  EXPECT_EQ(tarvoReadUnlessTerminated(kNotOpen, &byte, 1), -1);
+  EXPECT_EQ(errno, EBADF);
+  EXPECT_EQ(tarvoWriteUnlessTerminated(kNotOpen, &byte, 1), -1);
+  EXPECT_EQ(errno, EBADF);
+}
+
+}  // namespace

@@ -181,40 +181,40 @@ TEST_F(AntiWrinkle, Level1OnA4PageOf2000x3000) {
                 {193, 136, 2193, 3136}, 7, 255);
 }
 
-TEST_F(AntiWrinkle, MarginIsWhiteInTheImagesOwnPalette) {
+class AntiWrinkleMargin : public AntiWrinkle {
+ protected:
+  AntiWrinkleMargin() { fill(image_, 1101, 1000, Bytes(std::size_t{1101} * 1000, 0)); }
+
+  /// Frames the page for Tattoo_A6: canvas 1181 + 24 = 1205 by 1394 + 24 = 1418, margins
+  /// (1205 - 1101) / 2 = 52 and 418 / 2 = 209, which are to have the index `white`.
+  void expectMargin(std::uint8_t white) {
+    std::strcpy(header_.cupsPageSizeName, "Tattoo_A6");
+    printer_.setPageHeader(&header_);
+    printer_.setAntiWrinkle(1);
+    support::standardErrorOf([&] { printer_.EnableAntiWrink(image_); });
+    ASSERT_EQ(image_.GetWidth(), 1205U);
+    ASSERT_EQ(image_.GetHeight(), 1418U);
+    expectPicture(
+        {{0, 0, 12, 1418}, {1193, 0, 1205, 1418}, {0, 0, 1205, 12}, {0, 1406, 1205, 1418}},
+        {52, 209, 1153, 1209}, 0, white);
+  }
+};
+
+TEST_F(AntiWrinkleMargin, IsWhiteInTheImagesOwnPalette) {
   // A halftoned page has black, white and then black only: white is index 1, the bars stay 255.
-  CxImage page;
-  const unsigned width = 1101, height = 1000;
-  fill(image_, width, height, Bytes(std::size_t{width} * height, 0));
   ASSERT_TRUE(image_.Dither(0));
   ASSERT_TRUE(image_.IncreaseBpp(8));
-  std::strcpy(header_.cupsPageSizeName, "Tattoo_A6");
-  printer_.setPageHeader(&header_);
-  printer_.setAntiWrinkle(1);
-  support::standardErrorOf([&] { printer_.EnableAntiWrink(image_); });
-  // Canvas 1181 + 24 = 1205 by 1394 + 24 = 1418; margins (1205 - 1101) / 2 = 52 and 418 / 2 = 209.
-  ASSERT_EQ(image_.GetWidth(), 1205U);
-  ASSERT_EQ(image_.GetHeight(), 1418U);
-  expectPicture({{0, 0, 12, 1418}, {1193, 0, 1205, 1418}, {0, 0, 1205, 12}, {0, 1406, 1205, 1418}},
-                {52, 209, 1153, 1209}, 0, 1);
+  expectMargin(1);
 }
 
-TEST_F(AntiWrinkle, MarginIsWhiteNotWhatIsNearlyWhite) {
-  fill(image_, 1101, 1000, Bytes(std::size_t{1101} * 1000, 0));
+TEST_F(AntiWrinkleMargin, IsWhiteNotWhatIsNearlyWhite) {
   std::vector<tagRGBQUAD> palette(256);
   palette[11] = {254, 255, 255, 0};
   palette[12] = {255, 254, 255, 0};
   palette[13] = {255, 255, 254, 0};
   palette[14] = {255, 255, 255, 0};
   image_.SetPalette(palette.data(), 256);
-  std::strcpy(header_.cupsPageSizeName, "Tattoo_A6");
-  printer_.setPageHeader(&header_);
-  printer_.setAntiWrinkle(1);
-  support::standardErrorOf([&] { printer_.EnableAntiWrink(image_); });
-  ASSERT_EQ(image_.GetWidth(), 1205U);
-  ASSERT_EQ(image_.GetHeight(), 1418U);
-  expectPicture({{0, 0, 12, 1418}, {1193, 0, 1205, 1418}, {0, 0, 1205, 12}, {0, 1406, 1205, 1418}},
-                {52, 209, 1153, 1209}, 0, 14);
+  expectMargin(14);
 }
 
 TEST_F(AntiWrinkle, LargerImageIsNotCroppedAndTheFrameIsCentredInIt) {

@@ -49,7 +49,8 @@ ssize_t RasterReader::read(void* self, unsigned char* bytes, std::size_t size) {
 bool RasterWriter::open() {
   gathered_.reserve(kGatheredBytes);
   raster_.reset(cupsRasterOpenIO(&RasterWriter::write, this, CUPS_RASTER_WRITE));
-  return raster_ != nullptr;
+  // Whether anything can be written is known before any page is read.
+  return raster_ != nullptr && flush();
 }
 
 bool RasterWriter::writeHeader(cups_page_header2_t header) {

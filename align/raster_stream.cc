@@ -7,15 +7,14 @@
 
 namespace {
 
-/// As much as a pipe holds.
-constexpr std::size_t kGatheredBytes = std::size_t{64} << 10U;
-
-// Memory is asked for when a stream is opened, because nothing may be thrown through libcups.
+/// What is read ahead, and what is gathered: as much as a pipe holds. The memory is asked for when
+/// a stream is opened, because nothing may be thrown through libcups.
+constexpr std::size_t kBufferBytes = std::size_t{64} << 10U;
 
 }  // namespace
 
 bool RasterReader::open() {
-  ahead_.resize(kGatheredBytes);
+  ahead_.resize(kBufferBytes);
   raster_.reset(cupsRasterOpenIO(&RasterReader::read, this, CUPS_RASTER_READ));
   return raster_ != nullptr;
 }
@@ -47,7 +46,7 @@ ssize_t RasterReader::read(void* self, unsigned char* bytes, std::size_t size) {
 }
 
 bool RasterWriter::open() {
-  gathered_.reserve(kGatheredBytes);
+  gathered_.reserve(kBufferBytes);
   raster_.reset(cupsRasterOpenIO(&RasterWriter::write, this, CUPS_RASTER_WRITE));
   // Whether anything can be written is known before any page is read.
   return raster_ != nullptr && flush();
@@ -75,8 +74,8 @@ bool RasterWriter::send(const std::uint8_t* bytes, std::size_t size) {
 
 ssize_t RasterWriter::write(void* self, unsigned char* bytes, std::size_t size) {
   RasterWriter& writer = *static_cast<RasterWriter*>(self);
-  if (size > kGatheredBytes - writer.gathered_.size() && !writer.flush()) return -1;
-  if (size >= kGatheredBytes) return writer.send(bytes, size) ? static_cast<ssize_t>(size) : -1;
+  if (size > kBufferBytes - writer.gathered_.size() && !writer.flush()) return -1;
+  if (size >= kBufferBytes) return writer.send(bytes, size) ? static_cast<ssize_t>(size) : -1;
   writer.gathered_.insert(writer.gathered_.end(), bytes, bytes + size);
   return static_cast<ssize_t>(size);
 }

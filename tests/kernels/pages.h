@@ -56,9 +56,12 @@ class ShiftedRow {
   std::size_t shift_;
 };
 
+template <typename T>
+ShiftedRow(const std::vector<T>&, std::size_t) -> ShiftedRow<T>;
+
 /// The result, `shift` elements after where a vector may want it to begin, and something around it
 /// that a kernel must leave alone.
-template <typename T, T pattern>
+template <typename T, int pattern>
 class GuardedRow {
  public:
   explicit GuardedRow(std::size_t size, std::size_t shift = 0)
@@ -76,7 +79,7 @@ class GuardedRow {
     return true;
   }
 
-  static constexpr T kPattern = pattern;
+  static constexpr T kPattern{pattern};
 
  private:
   static constexpr std::size_t kGuard = 64;
@@ -86,6 +89,6 @@ class GuardedRow {
 };
 
 using GuardedBytes = GuardedRow<std::uint8_t, 0xA5>;
-using GuardedFloats = GuardedRow<float, -12345.0F>;
+using GuardedFloats = GuardedRow<float, -12345>;
 
 #endif  // TARVO_TESTS_KERNELS_PAGES_H_

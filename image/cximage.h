@@ -185,7 +185,7 @@ class CxImage {
 
  private:
   /// Sets the pixels of `result` whose level is above their entry in the 4x4 `thresholds`.
-  void DitherPoints(const std::uint8_t* thresholds, CxImage& result) const;
+  void DitherByThresholds(const std::uint8_t* thresholds, CxImage& result) const;
   void DitherErrorDiffusion(std::int64_t method, CxImage& result) const;
 
   bool Contains(std::int64_t x, std::int64_t y) const {

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <utility>
 
 #include "common/enumeration.h"
 #include "common/file.h"
@@ -179,19 +180,21 @@ int printPages(RasterInput& input, TarvoPrinter& printer, Settings& settings) {
   return 0;
 }
 
-int printJob(RasterInput& input, const char* options) {
-  // Destroyed in reverse: the recording is closed before the printer, which writes nothing more.
+int printJob(std::unique_ptr<RasterInput> opened, const char* options) {
+  // Destroyed in reverse: the input is closed first; the recording before the printer, which writes
+  // nothing more.
   const auto printer = std::make_unique<TsplPrinter>();
   FileOwner recording;
   const PublishedPrinter published(printer.get());
+  const std::unique_ptr<RasterInput> input = std::move(opened);
 
   Settings settings{};
   parseSettings(settings, options);
   recording = attachRecording(*printer, settings);
   if (!isPaperSizeKnown(settings)) return 1;
   sendPreamble(*printer);
-  input.openRaster();
-  return printPages(input, *printer, settings);
+  input->openRaster();
+  return printPages(*input, *printer, settings);
 }
 
 }  // namespace
@@ -207,14 +210,14 @@ int main(int argc, char* argv[]) {
     printUsage(argc > 0 ? argv[0] : nullptr);
     return 1;
   }
-  RasterInput input;
-  if (argc > 6 && !input.openFile(argv[6])) {
-    // Quirk: unended-error. The text ends in a blank, without a line end.
-    std::fprintf(stderr, "ERROR: Unable to open raster file - ");
-    return 1;
-  }
   try {
-    return printJob(input, argv[5]);
+    auto input = std::make_unique<RasterInput>();
+    if (argc > 6 && !input->openFile(argv[6])) {
+      // Quirk: unended-error. The text ends in a blank, without a line end.
+      std::fprintf(stderr, "ERROR: Unable to open raster file - ");
+      return 1;
+    }
+    return printJob(std::move(input), argv[5]);
   } catch (const std::exception& failure) {  // no memory, a length that none could have
     tarvoLogCommon(3, "Unable to go on: %s", failure.what());
     return 1;

@@ -75,6 +75,7 @@ void TarvoPrinter::EnableAntiWrink(CxImage& image) {
     break;
   }
 
+  // Quirk: odd-difference. Halves are cut off: the image ends a dot before the frame does.
   std::int64_t marginX = 0;
   std::int64_t marginY = 0;
   if (image.GetWidth() < canvas.width) {

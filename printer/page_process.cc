@@ -19,8 +19,9 @@ std::int32_t product32(std::uint32_t a, std::uint32_t b) {
 }
 
 /// What a LumoImage reads from a zero-filled buffer that holds the page in rows `stride` bytes
-/// apart: its own rows have no gap, so at other widths it takes the gaps for pixels.
-LumoImage withoutGaps(CxImage& page, int stride, int width, int height) {
+/// apart. Quirk: gaps-as-pixels. Its own rows have no gap, so at other widths it takes the gaps for
+/// pixels.
+LumoImage readBackToBack(CxImage& page, int stride, int width, int height) {
   LumoImage image(width, height, LUMO_IMG_GRAY);
   std::memset(image.data, 0, static_cast<std::size_t>(image.SizeBytes()));
   if (!page.IsValid()) return image;
@@ -119,7 +120,7 @@ bool TarvoPrinter::ditherForTattoo(int stride, int width, int height, unsigned c
   // was lost when it was turned or mirrored is all 0.
   if (stride != width || !cximage_.IsValid()) {
     out != nullptr ? source.emplace(width, height, LUMO_IMG_GRAY, out)
-                   : source.emplace(withoutGaps(cximage_, stride, width, height));
+                   : source.emplace(readBackToBack(cximage_, stride, width, height));
     page = rowsOf(*source);
   }
   const bool created = ditheredImage_.Create(static_cast<std::uint32_t>(width),

@@ -112,6 +112,7 @@ void TarvoPrinter::saveImage(const unsigned char* data, unsigned long bytesPerLi
     write(file.get(), {data, static_cast<std::size_t>(width) * height});
     return;
   }
+  // Quirk: bits-without-palette. Any other depth is one of 1 bit whose colours are left out.
   if (bitsPerPixel == 1) {
     constexpr std::array<unsigned char, 8> kBlackAndWhite = {0, 0, 0, 0, 255, 255, 255, 0};
     write(file.get(), kBlackAndWhite);

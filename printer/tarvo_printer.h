@@ -30,7 +30,9 @@ class TarvoPrinter {
 
   /// Processes and prints one page of 8-bit gray: `height` rows at `data`, `bytesPerLine` bytes
   /// apart, `width` dots each. Dumps the page before and after processing, then hands the processed
-  /// image to doPrintImage. Failures are logged, and nothing is printed then.
+  /// image to doPrintImage. Failures are logged. Quirk: earlier-image. A page that can't be
+  /// processed leaves the current image what it was, and that is printed, if it is still one of 8
+  /// bits.
   void printImage(const unsigned char* data, unsigned long bytesPerLine, unsigned long height,
                   unsigned long width);
 
@@ -38,6 +40,8 @@ class TarvoPrinter {
   /// mirror, halftone, negative, anti-wrinkle frame. The result is the printer's current image and
   /// is copied to `out` as far as `2 x stride x height` bytes, which `out` must have, hold it.
   /// `out` must be zero-filled: with `stride` above `width` the tattoo halftones read it.
+  /// Quirk: method-and-route. `halftoneType` is the method of the plain halftones; whether it is a
+  /// tattoo halftone instead, and which, setHalftoneType tells.
   /// Returns height x row length of the result in bytes, or 0 when it failed.
   long PageProcess(DitherType halftoneType, const unsigned char* data, int stride, int width,
                    int height, unsigned char* out);

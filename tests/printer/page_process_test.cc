@@ -326,6 +326,18 @@ TEST(TattooRoute, GoesThroughTheEnhancementChain) {
   }
 }
 
+TEST(TattooRoute, DotsHaveTheGrayPalette) {
+  TestPrinter printer;
+  process(printer, Tattoo, Bytes(16, 200), 4, 4, 4);
+  for (const int level : {0, 1, 128, 255}) {
+    const tagRGBQUAD color =
+        printer.ditheredImage_.GetPaletteColor(static_cast<std::uint8_t>(level));
+    EXPECT_EQ(color.rgbRed, level);
+    EXPECT_EQ(color.rgbGreen, level);
+    EXPECT_EQ(color.rgbBlue, level);
+  }
+}
+
 TEST(TattooRoute, LongerLinesAreReadBackToBackIsKept) {
   // Lines of 6 bytes, 4 dots each: the copies lie 6 bytes apart and are read 4 apart, with the
   // zeros of the buffer in between.

@@ -1,8 +1,10 @@
 // Pages that do not fit in memory.
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "failing_allocation.h"
@@ -55,6 +57,63 @@ TEST(PrintImageMemory, PageThatHasNoMemoryIsLeftOut) {
       "");
   EXPECT_TRUE(printer.printed.empty());
   EXPECT_TRUE(support::namesIn(folder / "spool").empty());
+}
+
+TEST(PrintImageMemory, TattooPageWithoutMemoryForItsDotsPrintsTheCurrentImageIsKept) {
+  const Bytes page(kLargePage, 200);
+  const Bytes white(16, 255);
+  // After a page of the other halftones the current image is where this page was copied to: its
+  // levels are printed as they came.
+  TestPrinter plain;
+  support::standardErrorOf([&] {
+    plain.printImage(white.data(), 4, 4, 4);
+    plain.setHalftoneType(Tattoo);
+    const FailingAllocation dots(4);  // after scratch, result and page
+    plain.printImage(page.data(), kLargeSide, kLargeSide, kLargeSide);
+  });
+  ASSERT_EQ(plain.printed.size(), 2U);
+  EXPECT_EQ(plain.printed[1].rows, page);
+
+  // After a tattoo page it is the one that could not be made anew: there is nothing left of it.
+  TestPrinter tattoo;
+  tattoo.setHalftoneType(Tattoo);
+  const std::string log = support::standardErrorOf([&] {
+    tattoo.printImage(white.data(), 4, 4, 4);
+    const FailingAllocation dots(4);
+    tattoo.printImage(page.data(), kLargeSide, kLargeSide, kLargeSide);
+  });
+  EXPECT_EQ(tattoo.printed.size(), 1U);
+  EXPECT_NE(log.find("ERROR:printImage: pimage is NULL, unable to print the image\n"),
+            std::string::npos)
+      << log;
+}
+
+/// Bytes of the process's addresses that are in use.
+std::size_t mappedBytes() {
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+TEST(PrintImageMemory, BlocksOfAPageGoWithIt) {
+  // 24 pages of 16 MiB have blocks of 48 MiB each. (Sanitizers keep a quarter of a gigabyte of what
+  // was freed.)
+  constexpr unsigned long kWidth = 16384;
+  constexpr unsigned long kHeight = 1024;
+  constexpr std::size_t kMostKept = std::size_t{512} << 20;
+  const Bytes page(kWidth * kHeight, 0);
+  TestPrinter printer;
+  const auto print = [&] { printer.printImage(page.data(), kWidth, kHeight, kWidth); };
+  support::standardErrorOf(print);
+  printer.printed.clear();
+  const std::size_t before = mappedBytes();
+  support::standardErrorOf([&] {
+    for (int i = 0; i < 24; ++i) {
+      print();
+      printer.printed.clear();
+    }
+  });
+  EXPECT_LT(mappedBytes(), before + kMostKept);
 }
 
 TEST(PrintImageMemory, PageOfMoreBytesThanThereAreNumbersIsLeftOut) {

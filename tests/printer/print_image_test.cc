@@ -271,6 +271,29 @@ TEST_F(PrintImage, BlankEdgesReachTheLogAlone) {
   }
 }
 
+/// The address that `log` gives after `words`.
+unsigned long addressAfter(const std::string& log, const std::string& words, int base) {
+  const std::size_t found = log.find(words);
+  if (found == std::string::npos) return 0;
+  return std::stoul(log.substr(found + words.size()), nullptr, base);
+}
+
+TEST_F(PrintImage, AddressInTheLogIsThatOfTheFirstLineThatIsLeft) {
+  const struct {
+    int edges;
+    unsigned long offset;
+  } cases[] = {{0, 0}, {8, 0}, {10, 99 * 12}};
+  for (const auto& [edges, offset] : cases) {
+    printer_.setRemoveBlankEdges(static_cast<unsigned char>(edges));
+    const Bytes page = bandPage();
+    const std::string log =
+        support::standardErrorOf([&] { printer_.printImage(page.data(), 12, 300, 12); });
+    const unsigned long result = addressAfter(log, "memory for processing result, address: ", 16);
+    EXPECT_NE(result, 0U) << log;
+    EXPECT_EQ(addressAfter(log, "pointer address: ", 10) - result, offset) << log;
+  }
+}
+
 TEST_F(PrintImage, InkInTheSkippedBytesCountsAsBlank) {
   Bytes page(std::size_t{20} * 8, 0);
   for (std::size_t y = 0; y < 20; ++y) page[y * 8 + 6] = page[y * 8 + 7] = 255;

@@ -231,6 +231,17 @@ TEST_F(DumpName, NumbersAreNotPadded) {
   EXPECT_EQ(names[0], "dump_2026-11-16_7_5_9_" + std::to_string(counterOf(names[0])) + ".bmp");
 }
 
+TEST_F(DumpName, TimeIsLocalTime) {
+  ::setenv("TZ", "XXX-17:30", 1);  // seventeen and a half hours ahead: past midnight
+  ::tzset();
+  Dumping dumping;
+  const Bytes dot = {0};
+  dumping.printer().saveImage(dot.data(), 1, 1, 1, 8);
+  const std::vector<std::string> names = support::namesIn(dumping.folder().path());
+  ASSERT_EQ(names.size(), 1U);
+  EXPECT_EQ(names[0].rfind("dump_2026-11-17_0_35_9_", 0), 0U) << names[0];
+}
+
 TEST_F(DumpName, DumpsOfOneSecondDifferInTheCounterAlone) {
   Dumping dumping;
   const Bytes dot = {0};
@@ -244,6 +255,20 @@ TEST_F(DumpName, DumpsOfOneSecondDifferInTheCounterAlone) {
                                        stem + std::to_string(first + 1) + ".bmp"};
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(support::namesIn(dumping.folder().path()), expected);
+}
+
+TEST_F(DumpName, LongestTemplateGivesAWholeName) {
+  // It grows as the year takes its place: six numbers and a counter.
+  Dumping dumping;
+  const std::string name = "dump_%d-%d-%d_%d_%d_%d_%ld.bmp";
+  std::string path = dumping.folder().path().string() + "/";
+  while (path.size() + 2 + name.size() < sizeof dumping.printer().imagePath_) path += "./";
+  dumping.setTemplate(path + name);
+  const Bytes dot = {0};
+  dumping.printer().saveImage(dot.data(), 1, 1, 1, 8);
+  const std::vector<std::string> names = support::namesIn(dumping.folder().path());
+  ASSERT_EQ(names.size(), 1U);
+  EXPECT_EQ(names[0], "dump_2026-11-16_7_5_9_" + std::to_string(counterOf(names[0])) + ".bmp");
 }
 
 TEST_F(DumpName, FileThatCannotBeCreatedCostsOneLineAndANumber) {

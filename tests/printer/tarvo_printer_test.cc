@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -13,6 +14,7 @@
 
 #include "support/capture.h"
 #include "support/differences.h"
+#include "support/folder.h"
 #include "test_printer.h"
 
 namespace {
@@ -177,7 +179,7 @@ TEST(Banner, SaysTheMakersNameInHexadecimal) {
 
 // Output
 
-TEST(Output, EachRoutineWritesItsBytesToEveryStreamInOrder) {
+TEST(Output, EachRoutineWritesItsBytesToEveryStream) {
   const struct {
     const char* what;
     void (*print)(TarvoPrinter&);
@@ -208,6 +210,73 @@ TEST(Output, EachRoutineWritesItsBytesToEveryStreamInOrder) {
     EXPECT_EQ(support::firstDifference(row.expected, second.bytes()), "") << row.what;
     EXPECT_EQ(support::firstDifference(row.expected, third.bytes()), "") << row.what;
   }
+}
+
+/// A stream that notes its name whenever it is written to.
+class NotingStream {
+ public:
+  NotingStream(char name, std::string& notes) : name_(name), notes_(notes) {
+    cookie_io_functions_t functions{};
+    functions.write = &NotingStream::write;
+    file_ = ::fopencookie(this, "w", functions);
+    std::setvbuf(file_, nullptr, _IONBF, 0);
+  }
+  ~NotingStream() { std::fclose(file_); }
+  NotingStream(const NotingStream&) = delete;
+  NotingStream& operator=(const NotingStream&) = delete;
+
+  FILE* get() const { return file_; }
+
+ private:
+  static ssize_t write(void* self, const char* /*bytes*/, std::size_t size) {
+    const NotingStream& stream = *static_cast<NotingStream*>(self);
+    if (stream.notes_.empty() || stream.notes_.back() != stream.name_)
+      stream.notes_ += stream.name_;
+    return static_cast<ssize_t>(size);
+  }
+
+  char name_;
+  std::string& notes_;
+  FILE* file_ = nullptr;
+};
+
+TEST(Output, StreamsAreWrittenFromTheFirstToTheLast) {
+  const struct {
+    const char* what;
+    void (*print)(TarvoPrinter&);
+  } cases[] = {
+      {"bytes",
+       [](TarvoPrinter& p) { p.printBytes(reinterpret_cast<const unsigned char*>("ab"), 2); }},
+      {"text", [](TarvoPrinter& p) { p.printStr("CLS\r\n"); }},
+      {"byte", [](TarvoPrinter& p) { p.printByte(10); }},
+      {"format", [](TarvoPrinter& p) { p.printFormat("PRINT %d\r\n", 1); }},
+  };
+  for (const auto& row : cases) {
+    std::string notes;
+    const NotingStream first('1', notes), second('2', notes), third('3', notes);
+    TestPrinter printer;
+    printer.getOutputStreams() = {first.get(), second.get(), third.get()};
+    row.print(printer);
+    EXPECT_EQ(notes, "123") << row.what;
+    row.print(printer);
+    EXPECT_EQ(notes, "123123") << row.what;
+  }
+}
+
+TEST(Output, IsLeftInTheStreamsOwnBuffers) {
+  const support::Folder folder;
+  const std::string path = folder / "out";
+  FILE* file = std::fopen(path.c_str(), "w");
+  ASSERT_NE(file, nullptr);
+  TestPrinter printer;
+  printer.getOutputStreams() = {file};
+  printer.printFormat("%s", "DENSITY 8\r\n");
+  printer.printStr("CLS\r\n");
+  printer.printByte(10);
+  printer.printBytes(reinterpret_cast<const unsigned char*>("ab"), 2);
+  EXPECT_EQ(support::readFile(path), "");
+  EXPECT_EQ(std::fclose(file), 0);
+  EXPECT_EQ(support::readFile(path), "DENSITY 8\r\nCLS\r\n\nab");
 }
 
 TEST(Output, RecordingStreamGetsWhatStandardOutputGets) {

@@ -210,7 +210,9 @@ TEST(BadPage, PlanesAreNoReasonToLeaveAPageOutUnlessTheirNumberWraps) {
   } cases[] = {{CUPS_ORDER_CHUNKED, 0, true},
                {CUPS_ORDER_CHUNKED, 1, true},
                {CUPS_ORDER_CHUNKED, 0xAAAAAAAB, true},
+               {CUPS_ORDER_PLANAR, 0, true},  // libcups takes the number from the colour space
                {CUPS_ORDER_PLANAR, 1, true},
+               {CUPS_ORDER_PLANAR, 3, true},
                {CUPS_ORDER_PLANAR, 0xAAAAAAAB, false}};
   for (const auto& [order, colours, printed] : cases) {
     Page page{support::grayHeader(16, 3), std::vector<std::uint8_t>(48, 255)};

@@ -1,6 +1,7 @@
 #include "filter/tspl_printer.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <cstdint>
 #include <cstring>
@@ -154,6 +155,27 @@ TEST(PrintImage, CopiesAreThoseOfThePageHeader) {
             "BITMAP 0,0,1,1,0,\xFF\r\nPRINT 1," + std::to_string(copies) + "\r\n", printer.sent()),
         "");
   }
+}
+
+TEST(PrintImage, OfACancelledJobBeginsNothing) {
+  CapturedPrinter printer;
+  cups_page_header2_t header = headerWithCopies(1);
+  printer.setPageHeader(&header);
+  const Bytes row(8, 0);
+
+  sigset_t termination, before;
+  sigemptyset(&termination);
+  sigaddset(&termination, SIGTERM);
+  sigprocmask(SIG_BLOCK, &termination, &before);
+  raise(SIGTERM);
+  const int result = printer.doPrintImage(row.data(), 8, 1, 8);
+  int signal = 0;
+  sigwait(&termination, &signal);  // the test goes on
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+
+  EXPECT_EQ(signal, SIGTERM);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(printer.sent(), "");
 }
 
 TEST(TsplPrinter, PrintsThroughTheThirdPlaceOfItsVirtualTable) {

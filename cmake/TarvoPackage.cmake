@@ -1,7 +1,8 @@
 # cpack makes a Debian package: "cpack --config build/release/CPackConfig.cmake -B DIRECTORY".
 #
 # What only Debian wants (its changelog and copyright, compressed manual pages) is added by
-# package/finish.cmake, so that "cmake --install" gives everyone else the plain files.
+# package/finish.cmake, so that "cmake --install" gives everyone else the plain files;
+# package/seal.cmake makes the package the same for everyone who makes it.
 set(TARVO_MAINTAINER "Tarvo maintainers <maintainers@tarvo.example>" CACHE STRING
   "Maintainer of the package, as \"Name <address>\"")
 
@@ -12,6 +13,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/package/finish.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/package/seal.cmake)
 
 # The revision counts the packages of one release of the filter. It sorts before that of a package
 # that a distribution makes of the same release, so that theirs replaces ours.

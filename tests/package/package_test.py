@@ -40,9 +40,9 @@ def run(*command, **options):
     return result.stdout
 
 
-def make(build, folder):
+def make(build, folder, **options):
     """Makes the package in `folder` and returns its path."""
-    run("cpack", "--config", os.path.join(build, "CPackConfig.cmake"), "-B", folder)
+    run("cpack", "--config", os.path.join(build, "CPackConfig.cmake"), "-B", folder, **options)
     made = glob.glob(os.path.join(folder, "*.deb"))
     expect(len(made) == 1, f"cpack made {made}")
     return made[0]
@@ -74,8 +74,8 @@ def is_made(build, _):
 
 
 def is_the_same_again(build, folder):
-    """At another time, in another folder: the same bytes."""
-    again = make(build, os.path.join(folder, "again"))
+    """At another time, in another folder, under another mask: the same bytes."""
+    again = make(build, os.path.join(folder, "again"), umask=0o077)
     with open(package(build), "rb") as one, open(again, "rb") as other:
         expect(one.read() == other.read(), "a second package differs from the first")
 

@@ -70,6 +70,7 @@ TEST(CvtGray, SumsAreMadeInSinglePrecisionAndInOrder) {
        "0.299 + 36.981 + 26.22 = 63.5; from the other end below it"},
       {LUMO_IMG_RGBA, {1, 63, 230, 9}, 64, "the same"},
       {LUMO_IMG_RGB, {2, 0, 43, 9}, 6, "0.598 + 4.902 = 5.5; in double precision below it"},
+      {LUMO_IMG_RGB, {4, 40, 16, 9}, 26, "1.196 + 23.48 + 1.824 = 26.5; here below it"},
       {LUMO_IMG_BGR,
        {1, 5, 249, 9},
        78,

@@ -3,7 +3,7 @@
 #ifndef TARVO_COMMON_LOG_H_
 #define TARVO_COMMON_LOG_H_
 
-extern "C" {  // plain names, as all tarvo helpers have: C code can call them
+extern "C" {  // a plain name: C code can call it
 
 /// Writes one line to standard error: the prefix of `level`, the message formatted like `printf`
 /// with no blank between, and a line end.

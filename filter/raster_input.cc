@@ -12,9 +12,9 @@ ssize_t readRaster(void* descriptor, unsigned char* bytes, std::size_t size) {
   return tarvoReadUnlessTerminated(*static_cast<const int*>(descriptor), bytes, size);
 }
 
-/// libcups counts a page's rows in 32 bits, the planes of a page in planes one after another. A
-/// number of planes that lets the count wrap leaves fewer rows than the page has: of compressed
-/// ones it reads no more, and reports all.
+/// Whether libcups counts all rows of the page. Where each colour is a plane of its own it counts
+/// the rows of all planes, in 32 bits. When that wraps it counts fewer than the page has; of
+/// compressed data it then reads no more than those, and yet reports the whole page as read.
 bool countsAllRows(const cups_page_header2_t& header) {
   return tarvoBitsOf(header.cupsColorOrder) != CUPS_ORDER_PLANAR ||
          header.cupsHeight * header.cupsNumColors >= header.cupsHeight;

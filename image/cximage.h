@@ -26,10 +26,11 @@ struct ImageInfo {
 /// there. Pixels of 1, 4 and 8 bits are palette indices, the leftmost pixel in the most
 /// significant bits; pixels of 24 bits are blue, green, red bytes.
 ///
-/// An image is empty (no block) or valid. Operations on an empty image return their neutral value
-/// (0, null, false, a zero colour) and touch no memory. Nothing throws, but Dither when there is no
-/// memory for the few rows that it works on. The block is released when the image is emptied,
-/// overwritten or destroyed.
+/// An image is empty (no block) or valid. On an empty image all operations but the Blind ones,
+/// which test nothing, return their neutral value (0, null, false, a zero colour) and touch no
+/// memory. Nothing throws, but error diffusion in Dither: std::bad_alloc, with the image as it was,
+/// when there is no memory for the rows that it works on, about 40 of a byte a pixel. The block is
+/// released when the image is emptied, overwritten or destroyed.
 class CxImage {
  public:
   /// An empty image, every field zero.
@@ -59,7 +60,8 @@ class CxImage {
   bool Destroy();
 
   /// Takes over the content of `from`, which is empty and all zero afterwards; this image's own
-  /// content is released. `transferFrames` is ignored. Always true. REQUIRES: &from != this.
+  /// content is released, so that an image which is moved to itself is emptied. `transferFrames` is
+  /// ignored. Always true.
   bool Transfer(CxImage& from, bool transferFrames);
 
   /// Copies the info block of `src`, but only into an empty image.
@@ -130,10 +132,11 @@ class CxImage {
   void BlindSetPixelColor(std::int64_t x, std::int64_t y, tagRGBQUAD colour, bool setAlpha);
 
   // Geometry (cximage_geometry.cc). The results of Rotate180, Mirror and MakeCenter have 8 bits per
-  // pixel; they are meant for images of that depth.
+  // pixel; they are meant for images of that depth. When a result can't be made, an empty image
+  // with the reason takes its place.
 
-  /// Turns the image by 180 degrees into `dst`, or in place when `dst` is null. False on an empty
-  /// image.
+  /// Turns the image by 180 degrees into `dst`, or in place when `dst` is null. False only on an
+  /// empty image.
   bool Rotate180(CxImage* dst);
 
   /// Mirrors each row left to right, byte by byte.
@@ -161,6 +164,7 @@ class CxImage {
   bool Light(std::int32_t brightness, std::int32_t contrast);
 
   /// Replaces each index by its entry in the 256-byte `table`. False on an empty image or null.
+  /// REQUIRES: the table lies outside the pixel rows, which are changed while it is read.
   bool Lut(const std::uint8_t* table);
 
   /// Inverts every bit of the pixel data, row padding included.
@@ -185,7 +189,7 @@ class CxImage {
 
  private:
   /// Sets the pixels of `result` whose level is above their entry in the 4x4 `thresholds`.
-  void DitherPoints(const std::uint8_t* thresholds, CxImage& result) const;
+  void DitherByThresholds(const std::uint8_t* thresholds, CxImage& result) const;
   void DitherErrorDiffusion(std::int64_t method, CxImage& result) const;
 
   bool Contains(std::int64_t x, std::int64_t y) const {

@@ -69,13 +69,13 @@ bool CxImage::Dither(std::int64_t method) {
   }
   switch (method) {
     case 0:
-      DitherPoints(&kThreshold[0][0], result);
+      DitherByThresholds(&kThreshold[0][0], result);
       break;
     case 1:
-      DitherPoints(&kOrderedFixed[0][0], result);
+      DitherByThresholds(&kOrderedFixed[0][0], result);
       break;
     case 7:
-      DitherPoints(&kOrderedComputed[0][0], result);
+      DitherByThresholds(&kOrderedComputed[0][0], result);
       break;
     default:
       DitherErrorDiffusion(method, result);
@@ -87,7 +87,7 @@ bool CxImage::Dither(std::int64_t method) {
   return true;
 }
 
-void CxImage::DitherPoints(const std::uint8_t* thresholds, CxImage& result) const {
+void CxImage::DitherByThresholds(const std::uint8_t* thresholds, CxImage& result) const {
   for (std::uint32_t y = 0; y < GetHeight(); ++y) {
     const std::uint8_t* row = thresholds + y % kOrder * kOrder;
     if (header.biBitCount == 8) {

@@ -12,17 +12,18 @@
 bool CxImage::Rotate180(CxImage* dst) {
   if (dib == nullptr) return false;
   CxImage turned;
-  const bool created = CreateLike(turned, GetWidth(), GetHeight(), 8);
-  turned.SetPalette(GetPalette(), GetNumColors());
-  for (std::int32_t y = 0; y < header.biHeight; ++y) {
-    if (created && header.biBitCount == 8) {
-      const auto row = static_cast<std::uint32_t>(y);
-      kernels::reverse(GetBits(row), GetWidth(), turned.GetBits(GetHeight() - 1 - row));
-      continue;
-    }
-    for (std::int32_t x = 0; x < header.biWidth; ++x) {
-      turned.SetPixelIndex(header.biWidth - x - 1, header.biHeight - y - 1,
-                           BlindGetPixelIndex(x, y));
+  if (CreateLike(turned, GetWidth(), GetHeight(), 8)) {
+    turned.SetPalette(GetPalette(), GetNumColors());
+    for (std::int32_t y = 0; y < header.biHeight; ++y) {
+      if (header.biBitCount == 8) {
+        const auto row = static_cast<std::uint32_t>(y);
+        kernels::reverse(GetBits(row), GetWidth(), turned.GetBits(GetHeight() - 1 - row));
+        continue;
+      }
+      for (std::int32_t x = 0; x < header.biWidth; ++x) {
+        turned.SetPixelIndex(header.biWidth - x - 1, header.biHeight - y - 1,
+                             BlindGetPixelIndex(x, y));
+      }
     }
   }
   (dst != nullptr ? *dst : *this).Transfer(turned, true);
@@ -32,9 +33,8 @@ bool CxImage::Rotate180(CxImage* dst) {
 void CxImage::Mirror() {
   if (dib == nullptr) return;
   CxImage mirrored;
-  const bool created = CreateLike(mirrored, GetWidth(), GetHeight(), 8);
-  mirrored.SetPalette(GetPalette(), GetNumColors());
-  if (created) {
+  if (CreateLike(mirrored, GetWidth(), GetHeight(), 8)) {
+    mirrored.SetPalette(GetPalette(), GetNumColors());
     // Bytes, not pixels: exact for the 8-bit pages that are mirrored. At other depths the two row
     // lengths differ, and only bytes that both rows have are moved.
     const std::int64_t last =
@@ -60,9 +60,12 @@ bool CxImage::Expand(std::int64_t left, std::int64_t top, std::int64_t right, st
   if (dib == nullptr || left < 0 || top < 0 || right < 0 || bottom < 0) return false;
 
   constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
-  const std::int64_t widest = std::max({left, top, right, bottom});
-  const std::int64_t newWidth = widest <= kMost ? header.biWidth + left + right : widest;
-  const std::int64_t newHeight = widest <= kMost ? header.biHeight + bottom + top : widest;
+  const std::int64_t largestMargin = std::max({left, top, right, bottom});
+  // Margins whose sums could overflow are not added up: a margin beyond the limit stands for both
+  // sizes, which it makes fail the test below.
+  const bool canAdd = largestMargin <= kMost;
+  const std::int64_t newWidth = canAdd ? header.biWidth + left + right : largestMargin;
+  const std::int64_t newHeight = canAdd ? header.biHeight + bottom + top : largestMargin;
   if (newWidth > kMost || newHeight > kMost) {
     tarvoStrCpy(info.lastError, "CXIMAGE_MAX_MEMORY exceeded", sizeof(info.lastError));
     return false;
@@ -108,12 +111,14 @@ bool CxImage::Expand(std::int64_t left, std::int64_t top, std::int64_t right, st
 void CxImage::MakeCenter(std::int32_t width) {
   if (dib == nullptr || header.biWidth >= width) return;
   CxImage centred;
-  CreateLike(centred, static_cast<std::uint32_t>(width), GetHeight(), 8);
-  centred.SetPalette(GetPalette(), GetNumColors());
-  const std::int32_t dx = (width - header.biWidth) / 2;
-  for (std::int32_t y = 0; y < header.biHeight; ++y) {
-    for (std::int32_t x = 0; x < header.biWidth; ++x) {
-      centred.SetPixelIndex(std::int64_t{x} + dx, y, BlindGetPixelIndex(x, y));
+  if (CreateLike(centred, static_cast<std::uint32_t>(width), GetHeight(), 8)) {
+    centred.SetPalette(GetPalette(), GetNumColors());
+    // In 64 bits: the width of a 1- or 4-bit image can be so large that it is below 0 here.
+    const std::int64_t dx = (std::int64_t{width} - header.biWidth) / 2;
+    for (std::int32_t y = 0; y < header.biHeight; ++y) {
+      for (std::int32_t x = 0; x < header.biWidth; ++x) {
+        centred.SetPixelIndex(x + dx, y, BlindGetPixelIndex(x, y));
+      }
     }
   }
   Transfer(centred, true);

@@ -7,7 +7,8 @@
 
 namespace kernels {
 
-/// Replaces each of `count` bytes by its entry in the 256-byte `table`. `to` may be `from`.
+/// Replaces each of `count` bytes by its entry in the 256-byte `table`. `to` may be `from`, but the
+/// table may not lie among the bytes that are written.
 void lookUp(const std::uint8_t* from, std::size_t count, const std::uint8_t* table,
             std::uint8_t* to);
 

@@ -161,6 +161,22 @@ TEST_F(Cancel, DoesNotWaitForInput) {
   }
 }
 
+// The printer is woken while the pages are still being made.
+TEST_F(Cancel, ThePreambleIsSentBeforeAnyPageComes) {
+  RunningFilter filter(folder_.path(), ppd_, "", Writes::kPieces);
+  std::string sent;
+  while (sent.size() < 64) {
+    const std::string bytes = filter.take();
+    if (bytes.empty()) break;
+    sent += bytes;
+  }
+  EXPECT_EQ(sent, std::string(64, '\n'));
+  filter.settle();
+  filter.terminate();
+  EXPECT_EQ(filter.takeRest(), "");
+  EXPECT_EQ(filter.end(), 0);
+}
+
 TEST_F(Cancel, ASecondSignalChangesNothing) {
   RunningFilter filter(folder_.path(), ppd_, raster_, Writes::kPieces);
   std::string sent;

@@ -194,6 +194,15 @@ TEST(PpdAttribute, SpecifierSelectsAmongAttributesOfOneName) {
   EXPECT_EQ(tarvoPpdGetAttrAsFloatDefault(ppd.get(), "tarvoPart", "Right", 0.0), -800.0);
 }
 
+TEST(PpdAttribute, WithoutASpecifierAnyWillDo) {
+  const OpenPpd ppd(paperPpd().attribute("tarvoPart", "Left", "1.25"));
+  EXPECT_STREQ(tarvoPpdGetAttrAsStrDefault(ppd.get(), "tarvoPart", nullptr, "x"), "1.25");
+  EXPECT_EQ(tarvoPpdGetAttrAsFloatDefault(ppd.get(), "tarvoPart", nullptr, 0.0), 1.25);
+  // An empty one is a specifier that no attribute has.
+  EXPECT_STREQ(tarvoPpdGetAttrAsStrDefault(ppd.get(), "tarvoPart", "", "x"), "x");
+  EXPECT_EQ(tarvoPpdGetAttrAsFloatDefault(ppd.get(), "tarvoPart", "", 0.5), 0.5);
+}
+
 TEST(PpdAttribute, NumberIsTheLeadingNumberOfTheValue) {
   const struct {
     const char* value;

@@ -4,7 +4,10 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -94,6 +97,30 @@ TEST(Settings, IsAPlainRecordWithTextsOfFortyCharacters) {
   EXPECT_EQ(sizeof(Settings::Origin), 41U);
   EXPECT_EQ(sizeof(Settings::PrintSpeed), 41U);
   EXPECT_EQ(sizeof(Settings::FilterOutputFile), 256U);
+}
+
+TEST(Settings, FieldsFollowEachOtherInTheirOrder) {
+  const std::size_t offsets[] = {
+      offsetof(Settings, PageSize),          offsetof(Settings, pageWidth),
+      offsetof(Settings, pageHeight),        offsetof(Settings, Resolution),
+      offsetof(Settings, MediaMethod),       offsetof(Settings, PaperType),
+      offsetof(Settings, GapsHeight),        offsetof(Settings, PostAction),
+      offsetof(Settings, Occurrence),        offsetof(Settings, Origin),
+      offsetof(Settings, MirrorImage),       offsetof(Settings, NegativeImage),
+      offsetof(Settings, halftoneType),      offsetof(Settings, PrintSpeed),
+      offsetof(Settings, Darkness),          offsetof(Settings, Brightness),
+      offsetof(Settings, DirectBuffer),      offsetof(Settings, StoredGraphics),
+      offsetof(Settings, OptionDisplayUnit), offsetof(Settings, FilterOutputFile),
+      offsetof(Settings, ForceRotation)};
+  EXPECT_TRUE(std::is_sorted(std::begin(offsets), std::end(offsets)));
+  EXPECT_EQ(offsets[0], 0U);
+  // Each number has 32 bits, and so has the name of a halftone.
+  EXPECT_EQ(sizeof(Settings::GapsHeight) + sizeof(Settings::MirrorImage) +
+                sizeof(Settings::NegativeImage) + sizeof(Settings::halftoneType) +
+                sizeof(Settings::Darkness) + sizeof(Settings::Brightness) +
+                sizeof(Settings::DirectBuffer) + sizeof(Settings::StoredGraphics) +
+                sizeof(Settings::OptionDisplayUnit) + sizeof(Settings::ForceRotation),
+            10U * 4U);
 }
 
 void expectNothingAskedFor(const Settings& settings) {
@@ -335,6 +362,15 @@ TEST(PageSize, CustomSizeArrivesAsTheChoiceCustomWithItsPoints) {
       << parsed.log;
 }
 
+TEST(PageSize, LogHasTheEdgesOfThePrintableAreaInTheirOrder) {
+  const Parsed parsed =
+      parse(PpdText().pageSize("w288h432", 288, 432).printable(1.5, 2.5, 280, 400));
+  EXPECT_NE(parsed.log.find("DEBUG:Custom Size: (288.000000,432.000000,1.500000,2.500000,"
+                            "280.000000,400.000000)\n"),
+            std::string::npos)
+      << parsed.log;
+}
+
 TEST(PageSize, NullPpdGivesNoSize) {
   Settings settings{};
   settings.pageWidth = 5;
@@ -384,6 +420,16 @@ TEST(RecordingFile, TimeIsLocalTime) {
   const Variable now("TARVO_TEST_TIME", at(2025, 3, 5, 20, 7, 3));
   EXPECT_STREQ(parse(recordingPpd("1", "/tmp/rec")).settings.FilterOutputFile,
                "/tmp/rec-20250306013703.bin");
+}
+
+TEST(RecordingFile, AttributeMayHaveAnySpecifier) {
+  const Variable zone("TZ", "UTC");
+  const Variable now("TARVO_TEST_TIME", at(2025, 3, 5, 9, 7, 3));
+  const PpdText ppd = PpdText()
+                          .pageSize("A6", 298, 420)
+                          .option("RecordPrinterCommands", "1", {"0", "1"})
+                          .attribute("tarvoFilterOutputFile", "Any", "/tmp/rec");
+  EXPECT_STREQ(parse(ppd).settings.FilterOutputFile, "/tmp/rec-20250305090703.bin");
 }
 
 TEST(RecordingFile, WithoutTheAttributeTheNameIsRelative) {

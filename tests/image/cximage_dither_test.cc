@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
 
 #include "common/halftone_type.h"
 #include "dither_model.h"
@@ -79,6 +80,29 @@ TEST(Dither, PaddingBitsAreZeroOf4BitImagesToo) {
   EXPECT_EQ(rowBytes(image, 1), (std::vector<int>{0, 0, 0, 0}));
 }
 
+TEST(Dither, IndicesOfA4BitImageAreItsLevels) {
+  // None is above 15 of 255: by most methods all of it is black.
+  Levels aroundTheMiddle = uniformLevels(21, 9, 7);
+  for (std::size_t y = 0; y < aroundTheMiddle.size(); ++y) {
+    for (std::size_t x = y % 2; x < aroundTheMiddle[y].size(); x += 2) aroundTheMiddle[y][x] = 8;
+  }
+  const struct {
+    const char* what;
+    Levels levels;
+  } kCases[] = {
+      {"one pixel", {{15}}},
+      {"the highest index", uniformLevels(64, 20, 15)},
+      {"7 and 8", aroundTheMiddle},
+      {"all indices", noiseLevels(45, 18, 11, 16)},
+  };
+  for (const auto& c : kCases) {
+    for (std::int64_t method : kAllMethods) {
+      EXPECT_TRUE(samePicture(dithered(c.levels, method, 4), ditheredByModel(c.levels, method, 15)))
+          << c.what << ", method " << method;
+    }
+  }
+}
+
 TEST(Dither, BlackStaysBlackAndWhiteStaysWhite) {
   const struct { int width, height; } kSizes[] = {{1, 1}, {1, 7}, {7, 1}, {3, 3}, {8, 4}, {17, 9}};
   for (std::int64_t method : kAllMethods) {
@@ -119,6 +143,38 @@ TEST(Dither, WithoutMemoryFailsWithTheReasonAndLeavesTheImage) {
     EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
     EXPECT_EQ(image.GetNumColors(), 256u);
     EXPECT_EQ(image.GetPixelIndex(4095, 4095), 77);
+  }
+}
+
+TEST(Dither, DiffusionWithoutMemoryForItsRowsThrowsAndLeavesTheImage) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer ends a process that has no memory";
+#endif
+  constexpr std::uint32_t kWidth = 100000;  // sixteen rows are more than 1 MiB
+  for (std::int64_t method : kAllMethods) {
+    SCOPED_TRACE(method);
+    CxImage image;
+    ASSERT_NE(image.Create(kWidth, 1, 8, 0), nullptr);
+    image.SetPixelIndex(kWidth - 1, 0, 77);
+    const std::vector<int> before = blockBytes(image);
+    {
+      CxImage small;  // leaves a block from which the 1-bit result can be made
+      ASSERT_NE(small.Create(kWidth, 1, 1, 0), nullptr);
+    }
+    bool threw = false;
+    {
+      const MemoryIsShort guard;
+      try {
+        image.Dither(method);
+      } catch (const std::bad_alloc&) {
+        threw = true;
+      }
+    }
+    const bool diffuses = method != 0 && method != 1 && method != 7;
+    EXPECT_EQ(threw, diffuses);
+    if (!diffuses) continue;
+    EXPECT_EQ(blockBytes(image), before);
+    EXPECT_STREQ(image.GetLastError(), "");
   }
 }
 

@@ -67,6 +67,17 @@ TEST(Rotate180, OfAnEmptyImageFailsAndLeavesTheDestination) {
   EXPECT_EQ(levelsOf(destination), (Levels{{9}}));
 }
 
+TEST(Rotate180, TooLargeForADestinationEmptiesIt) {
+  CxImage image;  // 2^29 dots, times 8 bits
+  ASSERT_NE(image.Create(32768, 16384, 1, 0), nullptr);
+  IndexedImage destination(8, {{9}});
+  EXPECT_TRUE(image.Rotate180(&destination));
+  EXPECT_FALSE(destination.IsValid());
+  EXPECT_STREQ(destination.GetLastError(), "CXIMAGE_MAX_MEMORY exceeded");
+  EXPECT_TRUE(image.IsValid());
+  EXPECT_STREQ(image.GetLastError(), "");
+}
+
 TEST(Rotate180, ResultAlwaysHas8BitsIsKept) {
   for (std::uint32_t bpp : {1u, 4u}) {
     IndexedImage image(bpp, {{1, 0, 0}, {1, 1, 0}});
@@ -109,6 +120,23 @@ TEST(Mirror, OfAnEmptyImageDoesNothing) {
   CxImage image;
   image.Mirror();
   EXPECT_FALSE(image.IsValid());
+}
+
+TEST(Mirror, KeepsThePaletteEntriesThatThereAre) {
+  for (const std::uint32_t bpp : {1u, 4u}) {
+    CxImage image;
+    image.Create(3, 1, bpp, 0);
+    const auto last = static_cast<std::uint8_t>(image.GetNumColors() - 1);
+    image.SetPaletteColor(0, 10, 20, 30, 40);
+    image.SetPaletteColor(last, 50, 60, 70, 80);
+    image.Mirror();
+    EXPECT_EQ(image.GetNumColors(), 256u);
+    EXPECT_EQ(image.GetPaletteColor(0), rgb(10, 20, 30, 40)) << bpp << " bits";
+    EXPECT_EQ(image.GetPaletteColor(last), rgb(50, 60, 70, 80)) << bpp << " bits";
+    for (int i = last + 1; i < 256; ++i) {
+      EXPECT_EQ(image.GetPaletteColor(static_cast<std::uint8_t>(i)), rgb(0, 0, 0)) << i;
+    }
+  }
 }
 
 TEST(Mirror, BytesOf24BitRowsAreReversedAsFarAsTheResultHasThem) {
@@ -225,6 +253,19 @@ TEST(Expand, CanvasIsTheNearestPaletteEntry) {
     EXPECT_TRUE(image.Expand(0, 0, 1, 0, rgb(190, 5, 5)));
     EXPECT_EQ(levelsOf(image), (Levels{{0, 1}})) << bpp;
     EXPECT_EQ(image.GetPaletteColor(1), rgb(200, 0, 0)) << bpp;
+  }
+}
+
+// The search leaves its colour in the cache of the canvas, which becomes the image's.
+TEST(Expand, CanvasColourIsTheCachedOneIsKept) {
+  for (std::uint32_t bpp : {1u, 4u, 8u}) {
+    IndexedImage image(bpp, {{0}});
+    image.SetPaletteColor(1, 200, 0, 0, 0);
+    image.GetNearestIndex(kWhite);
+    EXPECT_TRUE(image.Expand(0, 0, 1, 0, rgb(190, 5, 5)));
+    image.SetPaletteColor(1, 0, 0, 0, 0);
+    image.SetPaletteColor(0, 190, 5, 5, 0);
+    EXPECT_EQ(image.GetNearestIndex(rgb(190, 5, 5)), 1) << bpp << " bits: not searched again";
   }
 }
 
@@ -364,30 +405,103 @@ TEST(MakeCenter, NotWiderDoesNothing) {
 }
 
 TEST(MakeCenter, ResultAlwaysHas8BitsIsKept) {
-  IndexedImage image(1, {{1, 0, 1}});
-  image.MakeCenter(5);
-  EXPECT_EQ(image.GetNumColors(), 256u);
-  EXPECT_EQ(levelsOf(image), (Levels{{0, 1, 0, 1, 0}}));
+  for (const std::uint32_t bpp : {1u, 4u}) {
+    IndexedImage image(bpp, {{1, 0, 1}, {0, 1, 1}});
+    const auto last = static_cast<std::uint8_t>(image.GetNumColors() - 1);
+    image.SetPaletteColor(0, 10, 20, 30, 40);
+    image.SetPaletteColor(last, 50, 60, 70, 80);
+    image.MakeCenter(5);
+    EXPECT_EQ(image.GetNumColors(), 256u);
+    EXPECT_EQ(levelsOf(image), (Levels{{0, 1, 0, 1, 0}, {0, 0, 1, 1, 0}})) << bpp << " bits";
+    EXPECT_EQ(image.GetPaletteColor(0), rgb(10, 20, 30, 40)) << bpp << " bits";
+    EXPECT_EQ(image.GetPaletteColor(last), rgb(50, 60, 70, 80)) << bpp << " bits";
+    for (int i = last + 1; i < 256; ++i) {
+      EXPECT_EQ(image.GetPaletteColor(static_cast<std::uint8_t>(i)), rgb(0, 0, 0)) << i;
+    }
+  }
+  const std::uint8_t array[] = {1, 2, 3, 4, 5, 6};
+  CxImage colours;  // its pixels read as index 0, and it has no palette
+  ASSERT_TRUE(colours.CreateFromArray(array, 2, 1, 24, 6, false));
+  colours.MakeCenter(5);
+  EXPECT_EQ(colours.GetNumColors(), 256u);
+  EXPECT_EQ(rowBytes(colours, 0), (std::vector<int>{0, 0, 0, 0, 0, 0, 0, 0}));
+  for (int i = 0; i < 256; ++i) {
+    EXPECT_EQ(colours.GetPaletteColor(static_cast<std::uint8_t>(i)), rgb(0, 0, 0)) << i;
+  }
 }
 
-// These three report no failure of their own: without memory for the result the image is whole or
-// empty, and nothing is written anywhere else.
-TEST(Geometry, WithoutMemoryNothingIsLeftHalfDone) {
-  const auto rotate = [](CxImage& image) { image.Rotate180(nullptr); };
-  const auto mirror = [](CxImage& image) { image.Mirror(); };
-  const auto centre = [](CxImage& image) { image.MakeCenter(4000); };
-  void (*const kOperations[])(CxImage&) = {rotate, mirror, centre};
-  for (const auto operation : kOperations) {
+// Widths from 2^31 on are below 0 in the header's 32 bits, so that any width is larger.
+TEST(MakeCenter, OfAWidthBelow0CentresNothing) {
+  const struct {
+    std::uint32_t width;
+    std::int32_t newWidth;
+    const char* reason;  // none: there is a result
+  } kCases[] = {
+      {0x80000000, 1, ""},
+      {0x80000000, 0, "CxImage::Create : width and height must be greater than zero"},
+      {0x80000000, INT32_MAX, "CXIMAGE_MAX_MEMORY exceeded"},
+      {0xFFFFFFFF, INT32_MAX, "CXIMAGE_MAX_MEMORY exceeded"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.width << " to " << c.newWidth);
+    CxImage image;
+    ASSERT_NE(image.Create(c.width, 1, 1, 0), nullptr);
+    image.MakeCenter(c.newWidth);
+    EXPECT_STREQ(image.GetLastError(), c.reason);
+    ASSERT_EQ(image.IsValid(), c.reason[0] == '\0');
+    if (!image.IsValid()) continue;
+    ASSERT_EQ(image.GetWidth(), 1u);
+    EXPECT_EQ(levelsOf(image), (Levels{{0}}));
+  }
+}
+
+// These report no failure by their results: an image whose result cannot be made becomes what the
+// failure left of the result, an empty one with the new sizes, if they were possible, and the
+// reason.
+TEST(Geometry, WithoutMemoryTheImageIsEmpty) {
+  const struct {
+    const char* name;
+    void (*run)(CxImage&);
+    std::uint32_t width;
+  } kOperations[] = {
+      {"Rotate180", [](CxImage& image) { EXPECT_TRUE(image.Rotate180(nullptr)); }, 3000},
+      {"Mirror", [](CxImage& image) { image.Mirror(); }, 3000},
+      {"MakeCenter", [](CxImage& image) { image.MakeCenter(4000); }, 4000},
+  };
+  for (const auto& operation : kOperations) {
+    SCOPED_TRACE(operation.name);
     CxImage image;
     ASSERT_NE(image.Create(3000, 3000, 8, 0), nullptr);
-    image.SetPixelIndex(2999, 2999, 77);
     {
       const MemoryIsShort guard;
-      operation(image);
+      operation.run(image);
     }
-    if (!image.IsValid()) continue;
-    EXPECT_EQ(image.GetWidth(), 3000u);
-    EXPECT_EQ(image.GetPixelIndex(2999, 2999), 77);
+    EXPECT_FALSE(image.IsValid());
+    EXPECT_STREQ(image.GetLastError(), "CxImage::Create can't allocate memory");
+    EXPECT_EQ(image.GetWidth(), operation.width);
+    EXPECT_EQ(image.GetHeight(), 3000u);
+  }
+}
+
+TEST(Geometry, TooLargeAt8BitsTheImageIsEmpty) {
+  // 32768 x 16384 = 2^29 dots fit at 1 bit; times 8 they are 2^32.
+  const struct {
+    const char* name;
+    void (*run)(CxImage&);
+  } kOperations[] = {
+      {"Rotate180", [](CxImage& image) { EXPECT_TRUE(image.Rotate180(nullptr)); }},
+      {"Mirror", [](CxImage& image) { image.Mirror(); }},
+      {"MakeCenter", [](CxImage& image) { image.MakeCenter(32769); }},
+  };
+  for (const auto& operation : kOperations) {
+    SCOPED_TRACE(operation.name);
+    CxImage image;
+    ASSERT_NE(image.Create(32768, 16384, 1, 0), nullptr);
+    operation.run(image);
+    EXPECT_FALSE(image.IsValid());
+    EXPECT_STREQ(image.GetLastError(), "CXIMAGE_MAX_MEMORY exceeded");
+    EXPECT_EQ(image.GetWidth(), 0u);
+    EXPECT_EQ(image.GetHeight(), 0u);
   }
 }
 

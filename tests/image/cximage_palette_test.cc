@@ -120,12 +120,15 @@ TEST(SetGrayPalette, StepsAreEvenAndReservedStays) {
   for (const auto& c : kCases) {
     CxImage image;
     image.Create(1, 1, c.bpp, 0);
-    image.SetPaletteColor(1, 1, 2, 3, 77);
+    for (int i = 0; i < c.colors; ++i) {
+      image.SetPaletteColor(static_cast<std::uint8_t>(i), 1, 2, 3,
+                            static_cast<std::uint8_t>(7 * i));
+    }
     image.SetGrayPalette();
     for (int i = 0; i < c.colors; ++i) {
       const int level = i * c.step;
       EXPECT_EQ(image.GetPaletteColor(static_cast<std::uint8_t>(i)),
-                rgb(level, level, level, i == 1 ? 77 : 0))
+                rgb(level, level, level, 7 * i))
           << c.bpp << " bits, entry " << i;
     }
   }
@@ -207,6 +210,42 @@ TEST(GetNearestIndex, LastAnswerOutlivesAPaletteChangeIsKept) {
   EXPECT_EQ(image.GetNearestIndex(kWhite), 1) << "the cache still answers";
   EXPECT_EQ(image.GetNearestIndex(kBlack), 1) << "another colour is searched";
   EXPECT_EQ(image.GetNearestIndex(kWhite), 0) << "and took the only place in the cache";
+}
+
+TEST(GetNearestIndex, CacheHoldsColoursThatNoEntryIsToo) {
+  PaletteImage image(1, {kBlack, kWhite});
+  ASSERT_EQ(image.GetNearestIndex(rgb(200, 200, 200)), 1);
+  image.SetPaletteColor(0, 200, 200, 200, 0);
+  EXPECT_EQ(image.GetNearestIndex(rgb(200, 200, 200)), 1) << "the cache still answers";
+}
+
+TEST(GetNearestIndex, IsZeroWithoutAPaletteWhateverTheCacheHolds) {
+  PaletteImage image(1, {kBlack, kWhite});
+  ASSERT_EQ(image.GetNearestIndex(kWhite), 1);
+  image.Destroy();
+  EXPECT_EQ(image.GetNearestIndex(kWhite), 0) << "empty";
+  image.Create(1, 1, 24, 0);
+  EXPECT_EQ(image.GetNearestIndex(kWhite), 0) << "24 bits";
+  image.Create(1, 1, 1, 0);  // both entries black
+  EXPECT_EQ(image.GetNearestIndex(kWhite), 1) << "and the cache is as it was";
+}
+
+TEST(GetNearestIndex, CacheIsNotFilledAt24Bits) {
+  const struct {
+    const char* what;
+    void (*use)(CxImage&);
+  } kCases[] = {
+      {"search", [](CxImage& image) { image.GetNearestIndex(kWhite); }},
+      {"pixel", [](CxImage& image) { image.BlindSetPixelColor(0, 0, kWhite, false); }},
+  };
+  for (const auto& c : kCases) {
+    CxImage image;
+    image.Create(1, 1, 24, 0);
+    c.use(image);
+    image.Create(1, 1, 1, 0);
+    image.SetPaletteColor(1, 255, 255, 255, 0);
+    EXPECT_EQ(image.GetNearestIndex(kWhite), 1) << c.what;
+  }
 }
 
 TEST(GetNearestIndex, CacheComparesAllFourBytes) {

@@ -113,6 +113,25 @@ TEST(Create, RowsArePaddedToFourBytes) {
   }
 }
 
+TEST(Create, RowsAreAsLongAsTheRaisedDepthNeeds) {
+  const struct {
+    std::uint32_t asked, width, stride;
+  } kCases[] = {
+      {0, 1, 4},    // 1 bit: 32 / 32 = 1
+      {2, 10, 8},   // 4 bits: 71 / 32 = 2; 2 bits would need 51 / 32 = 1
+      {3, 9, 8},    // 4 bits: 67 / 32 = 2; 3 bits would need 58 / 32 = 1
+      {5, 5, 8},    // 8 bits: 71 / 32 = 2; 5 bits would need 56 / 32 = 1
+      {16, 3, 12},  // 24 bits: 103 / 32 = 3; 16 bits would need 79 / 32 = 2
+      {32, 4, 12},  // 24 bits: 127 / 32 = 3; 32 bits would need 159 / 32 = 4
+  };
+  for (const auto& c : kCases) {
+    CxImage image;
+    ASSERT_NE(image.Create(c.width, 3, c.asked, 0), nullptr);
+    EXPECT_EQ(image.GetEffWidth(), c.stride) << c.asked << " bits, " << c.width << " pixels";
+    EXPECT_EQ(image.GetSize(), 40 + image.GetPaletteSize() + 3 * c.stride) << c.asked << " bits";
+  }
+}
+
 TEST(Create, BlockHoldsHeaderPaletteAndRows) {
   const struct {
     std::uint32_t bpp, palette, stride;
@@ -166,12 +185,13 @@ TEST(Create, PixelCountTimesDepthBeyond32BitsFails) {
   const struct {
     std::uint32_t width, height, bpp;
   } kCases[] = {
-      {65536, 8192, 8},    // 2^29 x 8 = 2^32
-      {65536, 65535, 8},   // nearly 2^35
-      {32768, 32768, 4},   // 2^30 x 4 = 2^32
-      {16384, 16384, 24},  // 2^28 x 24 > 2^32
-      {0x7FFFFFFF, 2, 4},  // nearly 2^34
-      {0xFFFFFFFF, 1, 24},
+      {65536, 8192, 8},                        // 2^29 x 8 = 2^32
+      {65536, 65535, 8},                       // nearly 2^35
+      {32768, 32768, 4},                       // 2^30 x 4 = 2^32
+      {16384, 16384, 24},                      // 2^28 x 24 > 2^32
+      {0x7FFFFFFF, 2, 4},                      // nearly 2^34
+      {0xFFFFFFFF, 1, 24}, {32768, 32768, 3},  // 4 bits: 2^32; times 3 it would fit
+      {15000, 15000, 16},                      // 24 bits: 5.4 x 10^9; times 16 it would fit
   };
   for (const auto& c : kCases) {
     CxImage image;
@@ -219,6 +239,38 @@ TEST(Create, WithoutMemoryFails) {
   EXPECT_FALSE(image.IsValid());
   EXPECT_EQ(image.GetBits(0), nullptr);
   EXPECT_STREQ(image.GetLastError(), kNoMemory);
+}
+
+TEST(Create, SizeThatFailsLeavesTheOldSizesIsKept) {
+  const struct {
+    std::uint32_t width, height, bpp;
+  } kCases[] = {{0, 5, 24}, {5, 0, 24}, {65536, 8192, 8}, {16384, 16384, 24}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " x " << c.bpp);
+    CxImage image;
+    ASSERT_NE(image.Create(9, 3, 4, 0), nullptr);
+    EXPECT_EQ(image.Create(c.width, c.height, c.bpp, 0), nullptr);
+    EXPECT_EQ(image.GetWidth(), 9u);
+    EXPECT_EQ(image.GetHeight(), 3u);
+    EXPECT_EQ(image.GetEffWidth(), 8u);
+    EXPECT_EQ(image.GetNumColors(), 16u);
+    EXPECT_EQ(image.GetSize(), 40u + 64u + 24u);
+  }
+}
+
+TEST(Create, SizesWithoutMemoryStayIsKept) {
+  CxImage image;
+  ASSERT_NE(image.Create(9, 3, 4, 0), nullptr);
+  {
+    const MemoryIsShort guard;
+    image.Create(16384, 8192, 8, 0);
+  }
+  ASSERT_FALSE(image.IsValid());
+  EXPECT_EQ(image.GetWidth(), 16384u);
+  EXPECT_EQ(image.GetHeight(), 8192u);
+  EXPECT_EQ(image.GetEffWidth(), 16384u);
+  EXPECT_EQ(image.GetNumColors(), 256u);
+  EXPECT_EQ(image.GetSize(), 40u + 1024u + 16384u * 8192u);
 }
 
 TEST(Create, ErrorTextOutlivesALaterSuccess) {
@@ -307,6 +359,20 @@ TEST(CreateFromArray, FlipPutsTheFirstSourceRowLast) {
   }
 }
 
+TEST(CreateFromArray, FlipsAtEveryDepth) {
+  // Three rows of 3 bytes; the image's own rows have 4.
+  const std::uint8_t array[] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+  const struct { std::uint32_t bpp, width; } kCases[] = {{1, 24}, {4, 6}, {8, 3}, {24, 1}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.bpp << " bits");
+    CxImage image;
+    ASSERT_TRUE(image.CreateFromArray(array, c.width, 3, c.bpp, 3, true));
+    EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{7, 8, 9, 0}));
+    EXPECT_EQ(rowBytes(image, 1), (std::vector<int>{4, 5, 6, 0}));
+    EXPECT_EQ(rowBytes(image, 2), (std::vector<int>{1, 2, 3, 0}));
+  }
+}
+
 TEST(CreateFromArray, PackedDepthsAreCopiedByteByByte) {
   const std::uint8_t array[] = {0xA5, 0x80};
   CxImage bits;
@@ -327,6 +393,27 @@ TEST(CreateFromArray, Of32BitsEveryFourthByteIsDropped) {
     EXPECT_EQ(image.GetEffWidth(), 8u);
     EXPECT_EQ(rowBytes(image, flip ? 1 : 0), (std::vector<int>{1, 2, 3, 4, 5, 6, 0, 0}));
     EXPECT_EQ(rowBytes(image, flip ? 0 : 1), (std::vector<int>{7, 8, 9, 10, 11, 12, 0, 0}));
+  }
+}
+
+TEST(CreateFromArray, Of32BitsRowsHaveAllPixelsHoweverCloseTheyLie) {
+  // Two rows of two pixels: each reads eight bytes, also where the next row begins before that.
+  const struct {
+    std::uint32_t bytesPerLine;
+    std::vector<int> second;  // the second row of the image
+  } kCases[] = {
+      {8, {9, 10, 11, 13, 14, 15, 0, 0}},
+      {7, {8, 9, 10, 12, 13, 14, 0, 0}},
+      {3, {4, 5, 6, 8, 9, 10, 0, 0}},
+      {0, {1, 2, 3, 5, 6, 7, 0, 0}},
+  };
+  for (const auto& c : kCases) {
+    std::vector<std::uint8_t> array(c.bytesPerLine + 8);  // exactly: no byte past it may be read
+    for (std::size_t i = 0; i < array.size(); ++i) array[i] = static_cast<std::uint8_t>(i + 1);
+    CxImage image;
+    ASSERT_TRUE(image.CreateFromArray(array.data(), 2, 2, 32, c.bytesPerLine, false));
+    EXPECT_EQ(rowBytes(image, 0), (std::vector<int>{1, 2, 3, 5, 6, 7, 0, 0})) << c.bytesPerLine;
+    EXPECT_EQ(rowBytes(image, 1), c.second) << c.bytesPerLine;
   }
 }
 
@@ -381,6 +468,55 @@ TEST(Transfer, MovesTheBlockAndEmptiesTheSource) {
     EXPECT_EQ(from.GetNumColors(), 0u);
     EXPECT_EQ(from.GetSize(), 0u);
   }
+}
+
+/// Lets GetNearestIndex find `colour` at entry 1 and then makes all of the palette black: from now
+/// on only the cache gives 1 for it.
+void remember(CxImage& image, tagRGBQUAD colour) {
+  image.Create(1, 1, 1, 0);
+  image.SetPaletteColor(1, colour.rgbRed, colour.rgbGreen, colour.rgbBlue, colour.rgbReserved);
+  ASSERT_EQ(image.GetNearestIndex(colour), 1);
+  image.SetPaletteColor(1, 0, 0, 0, 0);
+}
+
+TEST(Transfer, MovesTextAndCachedColour) {
+  constexpr tagRGBQUAD kOld = rgb(10, 20, 30);
+  constexpr tagRGBQUAD kMoved = rgb(40, 50, 60);
+  CxImage to;
+  to.Create(0, 1, 8, 0);  // leaves its text
+  remember(to, kOld);
+  CxImage from;
+  from.Create(65536, 8192, 8, 0);  // another text
+  remember(from, kMoved);
+
+  to.Transfer(from, true);
+
+  EXPECT_STREQ(to.GetLastError(), kTooLarge);
+  EXPECT_EQ(to.GetNearestIndex(kMoved), 1);
+  EXPECT_EQ(to.GetNearestIndex(kOld), 0) << "its own is gone";
+  EXPECT_STREQ(from.GetLastError(), "");
+  from.Create(1, 1, 1, 0);
+  EXPECT_EQ(from.GetNearestIndex(kMoved), 0) << "the source has none left";
+}
+
+TEST(Transfer, OfAnImageWithoutTextAndCachedColourClearsThoseOfTheTarget) {
+  constexpr tagRGBQUAD kOld = rgb(10, 20, 30);
+  CxImage to;
+  to.Create(0, 1, 8, 0);
+  remember(to, kOld);
+  CxImage from;
+  from.Create(1, 1, 1, 0);
+  to.Transfer(from, true);
+  EXPECT_STREQ(to.GetLastError(), "");
+  EXPECT_EQ(to.GetNearestIndex(kOld), 0);
+}
+
+TEST(Transfer, OntoItselfEmptiesTheImage) {
+  IndexedImage image(8, {{1, 2, 3}});
+  EXPECT_TRUE(image.Transfer(image, true));
+  EXPECT_FALSE(image.IsValid());
+  EXPECT_EQ(image.GetWidth(), 0u);
+  EXPECT_EQ(image.GetSize(), 0u);
 }
 
 TEST(Transfer, OfAnEmptyImageEmptiesTheTargetAndBringsItsText) {

@@ -56,7 +56,8 @@ inline const Kernel& kernelOf(int method) {
   return kKernels[5];
 }
 
-inline Picture diffused(Levels levels, const Kernel& kernel) {
+/// A sum is clamped to 0..255 and stored in its pixel, which keeps the bits of `mostLevel`.
+inline Picture diffused(Levels levels, const Kernel& kernel, int mostLevel = 255) {
   const int width = static_cast<int>(levels.front().size());
   const int height = static_cast<int>(levels.size());
   Picture picture(levels.size(), std::string(levels.front().size(), '.'));
@@ -73,7 +74,8 @@ inline Picture diffused(Levels levels, const Kernel& kernel) {
           const bool inside = x + dx >= 0 && x + dx < width && y + dy < height;
           if (kernel.weight(dx, dy) == 0 || !inside) continue;
           int& level = at(x + dx, y + dy);
-          level = std::clamp(level + error * kernel.weight(dx, dy) / kernel.divisor, 0, 255);
+          level = std::clamp(level + error * kernel.weight(dx, dy) / kernel.divisor, 0, 255) &
+                  mostLevel;
         }
       }
     }
@@ -110,9 +112,23 @@ inline Picture threshold(const Levels& levels) {
   return ordered(levels, kAnyCell, [](int level, int) { return level > 128; });
 }
 
-/// The dots that Dither(method) makes of `levels`.
-inline Picture dithered(const Levels& levels, std::int64_t method) {
-  IndexedImage image(8, levels);
+/// What Dither(method) is to make of `levels` of at most `mostLevel`.
+inline Picture ditheredByModel(const Levels& levels, std::int64_t method, int mostLevel = 255) {
+  switch (method) {
+    case 0:
+      return threshold(levels);
+    case 1:
+      return orderedFixed(levels);
+    case 7:
+      return orderedComputed(levels);
+    default:
+      return diffused(levels, kernelOf(static_cast<int>(method)), mostLevel);
+  }
+}
+
+/// The dots that Dither(method) makes of `levels` of `bpp` bits.
+inline Picture dithered(const Levels& levels, std::int64_t method, std::uint32_t bpp = 8) {
+  IndexedImage image(bpp, levels);
   EXPECT_TRUE(image.Dither(method));
   return dotsOf(image);
 }

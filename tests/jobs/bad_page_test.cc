@@ -52,6 +52,7 @@ std::vector<BadPage> badPages() {
        "ERROR:Unsupported bits per pixel : 1 ! Requires 8 bits per pixel!\n"},
       {"24 bits", colourPage(), 1,
        "ERROR:Unsupported bits per pixel : 24 ! Requires 8 bits per pixel!\n"},
+      // libcups itself reads no such header, nor the one of a line of 2 GB: the raster ends there.
       {"no rows", headerWith([](auto& header) { header.cupsHeight = 0; }), 0, ""},
       {"no bytes in a line", headerWith([](auto& header) { header.cupsBytesPerLine = 0; }), 0, ""},
       // 65536 x 65536 = 2 to the 32nd: one more than 32 bits hold.
@@ -65,7 +66,6 @@ std::vector<BadPage> badPages() {
          header.cupsHeight = 4294967295;
        }),
        1, "ERROR:Page too large: 2147483647 bytes per line, 4294967295 lines!\n"},
-      // libcups itself reads no such header: the raster ends there.
       {"a line of 2 GB", headerWith([](auto& header) { header.cupsBytesPerLine = 2147483648; }), 0,
        ""},
       {"line too short", headerWith([](auto& header) { header.cupsWidth = 17; }), 1,
@@ -191,7 +191,7 @@ TEST(BadPage, PageWithoutItsDataIsSkippedAfterItsSetup) {
   EXPECT_EQ(run.dumps.size(), 2U);
 }
 
-TEST(BadPage, PageOfOneDotIsNone) {
+TEST(BadPage, PageOfOneDotIsPrinted) {
   FilterJob job;
   job.setPpd(goodPpd().text());
   const JobRun run = job.run(
@@ -210,7 +210,9 @@ TEST(BadPage, PlanesAreNoReasonToLeaveAPageOutUnlessTheirNumberWraps) {
   } cases[] = {{CUPS_ORDER_CHUNKED, 0, true},
                {CUPS_ORDER_CHUNKED, 1, true},
                {CUPS_ORDER_CHUNKED, 0xAAAAAAAB, true},
+               {CUPS_ORDER_PLANAR, 0, true},  // libcups takes the number from the colour space
                {CUPS_ORDER_PLANAR, 1, true},
+               {CUPS_ORDER_PLANAR, 3, true},
                {CUPS_ORDER_PLANAR, 0xAAAAAAAB, false}};
   for (const auto& [order, colours, printed] : cases) {
     Page page{support::grayHeader(16, 3), std::vector<std::uint8_t>(48, 255)};
@@ -218,8 +220,15 @@ TEST(BadPage, PlanesAreNoReasonToLeaveAPageOutUnlessTheirNumberWraps) {
     page.header.cupsNumColors = colours;
     FilterJob job;
     job.setPpd(goodPpd().text());
-    const JobRun run = job.run(support::uncheckedRasterFile({page}));
-    EXPECT_EQ(run.outcome.output.find("BITMAP") != std::string::npos, printed)
+    // Printed or not, the page that follows is.
+    const JobRun run = job.run(support::uncheckedRasterFile({page, goodPage()}));
+    EXPECT_EQ(run.outcome.ending(), "exit status 0");
+    const std::string& sent = run.outcome.output;
+    const std::string following = goodPageCommands();
+    ASSERT_GT(sent.size(), following.size());
+    const std::string own = sent.substr(0, sent.size() - following.size());
+    EXPECT_EQ(support::firstDifference(following, sent.substr(own.size())), "") << order << colours;
+    EXPECT_EQ(own.find("BITMAP") != std::string::npos, printed)
         << "order " << order << ", " << colours << " colours";
   }
 }

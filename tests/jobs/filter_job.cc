@@ -23,6 +23,8 @@ std::tm moment() {
 
 std::filesystem::path filterPath() { return TARVO_FILTER; }
 
+std::filesystem::path redirectPath() { return TARVO_REDIRECT; }
+
 FilterJob::FilterJob() {
   std::filesystem::create_directory(spool());
   std::filesystem::create_directory(work());
@@ -56,7 +58,7 @@ void FilterJob::give(support::Program& program, const std::string& raster, Sourc
 support::Outcome FilterJob::runAlone(support::Program program) const {
   std::tm now = moment();
   std::map<std::string, std::optional<std::string>> environment = {
-      {"LD_PRELOAD", TARVO_REDIRECT},
+      {"LD_PRELOAD", redirectPath()},
       {"TARVO_TEST_FOLDER", folder_.path().string()},
       {"TARVO_TEST_TIME", std::to_string(::timegm(&now))},
       {"TZ", "UTC"},

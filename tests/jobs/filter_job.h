@@ -21,6 +21,9 @@ std::tm moment();
 /// The filter that the jobs run.
 std::filesystem::path filterPath();
 
+/// What they load before it: it puts the test's folder in the place of the system's.
+std::filesystem::path redirectPath();
+
 /// How the raster reaches the filter.
 enum class Source { StandardInput, FileArgument };
 

@@ -1,5 +1,5 @@
-// Jobs whose dumps or recording can't be written. tests/hostile/ has what else can be wrong with
-// the places where the filter writes.
+// Jobs whose dumps, trace or recording can't be written. tests/hostile/ has what else can be wrong
+// with the places where the filter writes.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -33,6 +33,19 @@ TEST(UnwritableDumps, CostOneLineEachAndThePageIsPrinted) {
   const JobRun run = job.run(support::rasterFile({goodPage(), goodPage()}));
   expectRun(run, 0, preamble() + goodPageCommands() + goodPageCommands(),
             settingsLog() + goodHeaderLog(1) + imageLog(0) + goodHeaderLog(2) + imageLog(2));
+}
+
+TEST(UnwritableTrace, CostsNothing) {
+  FilterJob job;
+  job.setPpd(goodPpd().text());
+  std::filesystem::create_directory(job.trace());
+  const support::Outcome outcome = [&] {
+    support::Program program = job.program();
+    job.give(program, goodRaster(), Source::StandardInput);
+    return job.runAlone(program);
+  }();
+  EXPECT_EQ(outcome.ending(), "exit status 0");
+  EXPECT_EQ(support::firstDifference(preamble() + goodPageCommands(), outcome.output), "");
 }
 
 // The recording file

@@ -43,7 +43,16 @@ std::string concat(std::initializer_list<std::string_view> parts) {
 }  // namespace
 
 PpdText& PpdText::pageSize(std::string_view name, float width, float length) {
-  sizes_.push_back({std::string(name), width, length});
+  sizes_.push_back({.name = std::string(name), .width = width, .length = length});
+  return *this;
+}
+
+PpdText& PpdText::printable(float left, float bottom, float right, float top) {
+  Size& size = sizes_.back();
+  size.left = left;
+  size.bottom = bottom;
+  size.right = right;
+  size.top = top;
   return *this;
 }
 
@@ -98,7 +107,9 @@ std::string PpdText::text() const {
       const std::string sheet = number(size.width) + " " + number(size.length);
       sizes += concat({"*PageSize ", size.name, "/", size.name, ": \"\"\n"});
       regions += concat({"*PageRegion ", size.name, "/", size.name, ": \"\"\n"});
-      areas += concat({"*ImageableArea ", size.name, "/", size.name, ": \"0 0 ", sheet, "\"\n"});
+      areas +=
+          concat({"*ImageableArea ", size.name, "/", size.name, ": \"", number(size.left), " ",
+                  number(size.bottom), " ", number(size.right), " ", number(size.top), "\"\n"});
       dimensions += concat({"*PaperDimension ", size.name, "/", size.name, ": \"", sheet, "\"\n"});
     }
     text +=

@@ -15,6 +15,10 @@ class PpdText {
   /// A choice of PageSize. Sizes and positions in points; the whole sheet is printable.
   PpdText& pageSize(std::string_view name, float width, float length);
 
+  /// The printable part of the page size that was named last, in points from the sheet's lower left
+  /// corner.
+  PpdText& printable(float left, float bottom, float right, float top);
+
   /// Which of the page sizes is the default; else the first one.
   PpdText& defaultPageSize(std::string_view name);
 
@@ -38,6 +42,10 @@ class PpdText {
     std::string name;
     float width;
     float length;
+    float left = 0;
+    float bottom = 0;
+    float right = width;
+    float top = length;
   };
 
   std::vector<Size> sizes_;

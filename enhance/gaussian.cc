@@ -1,7 +1,10 @@
 #include "enhance/gaussian.h"
 
 #include <algorithm>
-#include <vector>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "enhance/blurred_rows.h"
 #include "enhance/lumo_math.h"
@@ -9,8 +12,15 @@
 
 namespace {
 
-/// The generators write taps for -ksize/2 to +ksize/2: one more than `ksize` when it is even.
-std::size_t tapsWritten(int ksize) { return 2 * static_cast<std::size_t>(ksize / 2) + 1; }
+/// The generators write taps for -ksize/2 to +ksize/2: one more than `ksize` when it is even, and
+/// below -1 none, of which there are then less than 0.
+std::int64_t tapsWritten(int ksize) { return 2 * std::int64_t{ksize / 2} + 1; }
+
+/// Room for taps; those that are not written are 0.
+std::unique_ptr<double[]> roomFor(std::int64_t taps) {
+  if (!std::in_range<std::size_t>(taps)) throw std::bad_array_new_length();
+  return std::make_unique<double[]>(static_cast<std::size_t>(taps));
+}
 
 void normalise(double* taps, std::int64_t count) {
   double sum = 0.0;
@@ -63,9 +73,9 @@ LumoImage enh_gaussian_filter_fast(const LumoImage& src, int ksize, double sigma
     }
     return result;
   }
-  std::vector<double> kernel(tapsWritten(ksize));
-  generateGaussianKernel1D(ksize, sigma, kernel.data());
-  return convolve1D(convolve1D(src, kernel.data(), ksize, true), kernel.data(), ksize, false);
+  const auto kernel = roomFor(tapsWritten(ksize));
+  generateGaussianKernel1D(ksize, sigma, kernel.get());
+  return convolve1D(convolve1D(src, kernel.get(), ksize, true), kernel.get(), ksize, false);
 }
 
 void generateGaussianKernel(int ksize, double sigmaX, double sigmaY, double* kernel) {
@@ -86,14 +96,16 @@ void generateGaussianKernel(int ksize, double sigmaX, double sigmaY, double* ker
 LumoImage enh_gaussian_filter(const LumoImage& src, int ksize, double sigmaX, double sigmaY) {
   const int half = ksize / 2;
   LumoImage result(src.width, src.height, LUMO_IMG_GRAY);
-  std::vector<double> kernel(tapsWritten(ksize) * tapsWritten(ksize));
-  generateGaussianKernel(ksize, sigmaX, sigmaY, kernel.data());
+  // Of a size below 0 no tap is written, but there are as many as of the one above.
+  const std::int64_t side = 2 * std::abs(std::int64_t{half}) + 1;
+  const auto kernel = roomFor(side * side);
+  generateGaussianKernel(ksize, sigmaX, sigmaY, kernel.get());
   for (int y = 0; y < src.height; ++y) {
     for (int x = 0; x < src.width; ++x) {
       double sum = 0.0;
       for (int ky = -half; ky <= half; ++ky) {
         const std::int64_t yy = myClamp(y + ky, 0, src.height - 1);
-        const double* taps = kernel.data() + std::int64_t{ky + half} * ksize + half;
+        const double* taps = kernel.get() + std::int64_t{ky + half} * ksize + half;
         for (int kx = -half; kx <= half; ++kx) {
           const int xx = myClamp(x + kx, 0, src.width - 1);
           sum = static_cast<double>(src.data[yy * src.width + xx]) * taps[kx] + sum;

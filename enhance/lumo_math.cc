@@ -57,8 +57,9 @@ float my_ln(float x) {
     const float change = next - y;
     if (std::isnan(change)) return kNotANumber;  // no tolerance would ever be met
     if (kTolerance > myabs(change)) return y;    // Quirk: guess-before-last.
-    // Some arguments above two million send the steps round in a circle, each step longer than the
-    // tolerance: R. P. Brent's test (BIT 20, 1980) sees it close.
+    // Where neighbouring values of y are about as far apart as the tolerance, some arguments, large
+    // ones and small ones, send the steps round in a circle: R. P. Brent's test (BIT 20, 1980) sees
+    // it close.
     if (next == earlier) return y;
     if ((step & (step - 1)) == 0) earlier = next;
     y = next;

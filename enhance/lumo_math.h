@@ -21,7 +21,8 @@ float my_exp(float x);
 
 /// Natural logarithm by a fixed-point iteration on my_exp to an absolute tolerance of 1e-6; -1 for
 /// x <= 0. Quirk: logarithm-step. A not-a-number, or an infinite `x`, gives not-a-number. Arguments
-/// whose steps never settle (none below two million) give one of the values they circle through.
+/// whose steps never settle (some large ones, some near 0) give one of the values they circle
+/// through.
 float my_ln(float x);
 
 /// `x` to the power `y`: 0 to the power 0 is 1, 0 to a negative power -1, a negative `x` to a

@@ -68,7 +68,8 @@ int momentsThreshold(const GrayRows& image) {
   const float c1 = (m0 * (-m3) + m2 * m1) / cd;
   const auto discriminant =
       static_cast<float>(static_cast<double>(c1 * c1) - 4.0 * static_cast<double>(c0));
-  // A uniform page makes it 0 / 0; one nearly so, infinite.
+  // Quirk: one-level. A uniform page makes it 0 / 0; one nearly so, infinite: the root of either
+  // would never come. Such a page has to end as well, and gets what all without a solution get.
   if (0.0f > discriminant || !std::isfinite(discriminant)) return kNoRealSolution;
 
   const float root = my_sqrt(discriminant);

@@ -19,7 +19,7 @@ bool hasNoPixels(const LumoImage& image) { return std::int64_t{image.width} * im
 
 }  // namespace
 
-// Row by row and a band at a time, so that none of the images between exists as a whole.
+// Row by row and a strip at a time, so that none of the images between exists as a whole.
 void ditherRowsForTattoo(TattooVariant variant, const GrayRows& page, std::uint8_t* out,
                          std::ptrdiff_t outStride) {
   // Quirk: early-threshold. In both variants that of the page before its tone curve.
@@ -32,14 +32,14 @@ void ditherRowsForTattoo(TattooVariant variant, const GrayRows& page, std::uint8
 
   BlurredRows rows(page, curve.data(), kUnsharpSigma);
   kernels::SixTapDiffuser diffuser(width, height, static_cast<float>(threshold));
-  for (std::size_t top = 0; top < height; top += kernels::SixTapDiffuser::kBandRows) {
-    const std::size_t count = std::min(kernels::SixTapDiffuser::kBandRows, height - top);
+  for (std::size_t top = 0; top < height; top += kernels::SixTapDiffuser::kStripRows) {
+    const std::size_t count = std::min(kernels::SixTapDiffuser::kStripRows, height - top);
     for (std::size_t row = 0; row < count; ++row) {
       rows.next();
       kernels::sharpenRow(rows.levels(), rows.blurred(), width, 1.0f + kWeight, -kWeight,
                           diffuser.input(row));
     }
-    diffuser.diffuseBand();
+    diffuser.diffuseStrip();
     for (std::size_t row = 0; row < count; ++row) {
       std::memcpy(out + static_cast<std::ptrdiff_t>(top + row) * outStride, diffuser.output(row),
                   width);

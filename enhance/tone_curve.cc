@@ -1,7 +1,5 @@
 #include "enhance/tone_curve.h"
 
-#include <cmath>
-
 #include "enhance/lumo_math.h"
 #include "kernels/bytes.h"
 
@@ -12,16 +10,17 @@ std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gammaLow, flo
   for (int i = 0; i < 256; ++i) {
     const auto level = static_cast<float>(i);
     float entry;
-    float t;
     if (i < pivot) {
-      t = my_pow(level / pivotLevel, gammaLow);
+      const float t = my_pow(level / pivotLevel, gammaLow);
       entry = t * pivotLevel;
+    } else if (upperSpan == 0.0f) {
+      // Quirk: white-pivot. The pivot is 255, and level 255 would be the power of 0 / 0, whose
+      // steps never end. A page with that threshold has to end: white stays, as every pivot does.
+      entry = pivotLevel;
     } else {
-      t = my_pow((level - pivotLevel) / upperSpan, gammaHigh);
+      const float t = my_pow((level - pivotLevel) / upperSpan, gammaHigh);
       entry = t * upperSpan + pivotLevel;
     }
-    // With the pivot at 255, level 255 is 0 / 0: the pivot stays where it is.
-    if (std::isnan(t)) entry = pivotLevel;
     table[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(truncateToInt(entry));
   }
   return table;

@@ -7,7 +7,9 @@
 
 #include "enhance/lumo_image.h"
 
-/// The table of enh_piecewise_gamma: entry i is the level that i becomes.
+/// The table of enh_piecewise_gamma: entry i is the level that i becomes. Takes long for pivots far
+/// above 255, whose small fractions have logarithms of many steps: a second or so for ten million,
+/// minutes for the largest.
 std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gammaLow, float gammaHigh);
 
 /// Bends the levels of `img` (one byte per pixel) in place: those below `pivot` by the exponent

@@ -52,7 +52,7 @@ using Ints = hn::RebindToSigned<Floats>;
 using VecF = hn::Vec<Floats>;
 using VecI = hn::Vec<Ints>;
 
-static_assert(SixTapDiffuser::kBandRows == 2 * kBandRows, "an upper and a lower half");
+static_assert(SixTapDiffuser::kStripRows == 2 * kBandRows, "an upper and a lower band");
 
 constexpr std::ptrdiff_t kLanes = hn::MaxLanes(Floats());
 constexpr std::ptrdiff_t kParts = kBandRows / kLanes;
@@ -349,13 +349,13 @@ SixTapDiffuser::SixTapDiffuser(std::size_t width, std::size_t height, float thre
       height_(height),
       threshold_(threshold),
       stride_(width + 2 * kSixTapMargin),
-      levels_(rowBytes(kBandRows, stride_)),
+      levels_(rowBytes(kStripRows, stride_)),
       white_(levels_.size()),
       carried_(stride_),
       lastRow_(stride_) {}
 
-void SixTapDiffuser::diffuseBand() {
-  constexpr std::size_t kHalf = kBandRows / 2;
+void SixTapDiffuser::diffuseStrip() {
+  constexpr std::size_t kHalf = kStripRows / 2;
   const auto half = [this](std::size_t row, const std::uint8_t* rowAbove) {
     return SixTapBand{.levels = rowAt(levels_, row),
                       .white = rowAt(white_, row),
@@ -369,8 +369,8 @@ void SixTapDiffuser::diffuseBand() {
   };
   HWY_DYNAMIC_DISPATCH(DiffuseSixTapBands)
   (half(0, rowAt(lastRow_, 0)), half(kHalf, output(kHalf - 1)));
-  std::memcpy(rowAt(lastRow_, 0), output(kBandRows - 1), width_);
-  top_ += kBandRows;
+  std::memcpy(rowAt(lastRow_, 0), output(kStripRows - 1), width_);
+  top_ += kStripRows;
 }
 
 std::uint8_t* SixTapDiffuser::rowAt(std::vector<std::uint8_t>& rows, std::size_t row) const {

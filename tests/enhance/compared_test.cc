@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -30,6 +31,9 @@
 namespace {
 
 using reference::Gray;
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 struct Size {
   int width;
@@ -185,9 +189,9 @@ TEST(Compared, WeightedSums) {
 }
 
 TEST(Compared, ToneCurves) {
-  constexpr std::array<float, 2> kGammas[] = {{1.0F, 1.0F}, {0.8F, 1.2F}, {1.2F, 0.8F},
-                                              {0.3F, 3.0F}, {2.0F, 0.5F}, {1.0F, 0.0F},
-                                              {0.5F, -1.0F}};
+  constexpr std::array<float, 2> kGammas[] = {{1.0F, 1.0F},  {0.8F, 1.2F}, {1.2F, 0.8F},
+                                              {0.3F, 3.0F},  {2.0F, 0.5F}, {1.0F, 0.0F},
+                                              {0.5F, -1.0F}, {kNan, kNan}, {kInfinity, -kInfinity}};
   for (int pivot = 0; pivot < 256; ++pivot) {
     for (const auto& [low, high] : kGammas) {
       EXPECT_EQ(piecewiseGammaTable(pivot, low, high),

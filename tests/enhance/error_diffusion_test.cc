@@ -233,6 +233,34 @@ TEST(EdfCus, EachSmallSizeFollowsTheDefinition) {
   }
 }
 
+// Where the sum of what was carried lies at the threshold but for its last bit, one dot tells in
+// which order it was added up, and that every product was rounded before.
+TEST(EdfCus, SharesAreAddedInTheOrderOfTheScan) {
+  const struct {
+    const char* name;
+    Levels levels;
+    std::size_t x, y;  // the dot, which is black
+  } kCases[] = {
+      {"two to the left before left",
+       {{177, 102, 255, 82, 128, 5, 58, 193},
+        {145, 171, 119, 233, 146, 16, 118, 217},
+        {205, 86, 174, 35, 243, 81, 138, 109}},
+       7,
+       2},
+      {"from the left in the row above",
+       {{241, 54, 100, 246, 140, 99, 7, 248},
+        {128, 101, 139, 61, 88, 77, 118, 38},
+        {85, 28, 242, 115, 82, 16, 58, 105}},
+       4,
+       1},
+  };
+  for (const auto& c : kCases) {
+    const Picture picture = diffused(c.levels, 0);
+    EXPECT_EQ(picture[c.y][c.x], '#') << c.name;
+    EXPECT_TRUE(samePicture(picture, model(c.levels, 0))) << c.name;
+  }
+}
+
 TEST(EdfCus, ResultIsGrayOfTheSameSizeAndTheInputStays) {
   const unsigned char pixels[] = {10, 200, 30, 1, 1, 1, 1, 1, 1};
   const LumoImage image(3, 1, LUMO_IMG_BGR, pixels);  // one byte per pixel is read

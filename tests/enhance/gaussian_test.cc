@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <new>
 #include <numeric>
 
 #include "test_lumo.h"
@@ -123,6 +125,24 @@ TEST(Convolve1D, ResultIsNotClampedIsKept) {
   EXPECT_EQ(levelsOf(convolve1D(grayImage({{1}}), minus, 1, false)), (Levels{{255}}));
 }
 
+TEST(Convolve1D, SumsAreMadeInDoublePrecisionAndAscend) {
+  const struct {
+    double kernel[3];
+    int middle;
+    const char* why;
+  } kCases[] = {
+      {{16777216, 1, -16777216}, 3, "50331651 is no single-precision number: 4"},
+      {{1e17, -1e17, 1}, 3, "from the other end 3 - 3e17 is -3e17: 0"},
+      {{1, 1e17, -1e17}, 0, "3 + 3e17 is 3e17"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(levelsOf(convolve1D(grayImage({{3, 3, 3}}), c.kernel, 3, true))[0][1], c.middle)
+        << "along the row: " << c.why;
+    EXPECT_EQ(levelsOf(convolve1D(grayImage({{3}, {3}, {3}}), c.kernel, 3, false))[1][0], c.middle)
+        << "along the column: " << c.why;
+  }
+}
+
 TEST(Convolve1D, KeepsLayoutAndInput) {
   const unsigned char pixels[] = {0, 100, 200, 7, 8, 9};
   const LumoImage image(2, 1, LUMO_IMG_BGR, pixels);
@@ -206,6 +226,68 @@ TEST(GaussianBlur, TwoDimensionalIsRoundedOnce) {
     }
     EXPECT_EQ(levelsOf(enh_gaussian_filter(grayImage(levels), ksize, 1.3, 0.8)), expected) << ksize;
   }
+}
+
+// Sums that lie so near the middle between two levels that their last bit decides. In the middle of
+// these images every tap meets one pixel.
+TEST(GaussianBlur, TwoDimensionalSumsAreMadeInDoublePrecisionRowByRow) {
+  const struct {
+    Levels levels;
+    double sigmaX, sigmaY;
+    int middle;
+    const char* why;
+  } kCases[] = {
+      {{{80, 113, 24}, {189, 206, 185}, {14, 59, 58}},
+       3.697,
+       0.806,
+       128,
+       "rows or columns from the other end, or columns first: 129"},
+      {{{146, 114, 245}, {50, 118, 115}, {232, 99, 28}},
+       1.3,
+       0.8,
+       117,
+       "narrowed to single precision after each row: 118"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(levelsOf(enh_gaussian_filter(grayImage(c.levels), 3, c.sigmaX, c.sigmaY))[1][1],
+              c.middle)
+        << c.why;
+  }
+}
+
+TEST(GaussianBlur, SeparableSumsAscend) {
+  const Levels row = {{210, 13, 85, 124, 214, 37, 254, 131, 4, 12, 243}};
+  const std::vector<double> kernel = kernel1D(11, 2.222077);
+  // From the other end, or by pairs of like taps, 129.
+  EXPECT_EQ(levelsOf(enh_gaussian_filter_fast(grayImage(row), 11, 2.222077))[0][5], 128);
+  EXPECT_EQ(levelsOf(enh_gaussian_filter_fast(grayImage(transposed(row)), 11, 2.222077))[5][0],
+            128);
+  EXPECT_EQ(levelsOf(convolve1D(grayImage(row), kernel.data(), 11, true))[0][5], 128);
+}
+
+TEST(GaussianBlur, SeparableKeepsTheLayoutAndTheBytesBehindThePixels) {
+  const unsigned char bytes[] = {10, 10, 7, 8, 9, 6};
+  for (int ksize : {5, 11}) {
+    const LumoImage result =
+        enh_gaussian_filter_fast(LumoImage(2, 1, LUMO_IMG_RGB, bytes), ksize, 3.0);
+    EXPECT_EQ(result.color, LUMO_IMG_RGB) << ksize;
+    EXPECT_EQ(result.channels, 3) << ksize;
+    EXPECT_EQ(bytesOf(result), (std::vector<int>{10, 10, 7, 8, 9, 6})) << ksize;
+  }
+}
+
+TEST(GaussianBlur, SizesOfMinus2OrBelowHaveNoTaps) {
+  const LumoImage image = grayImage(noiseLevels(4, 3, 1));
+  for (int ksize : {-2, -3, -4, -5, -11}) {
+    EXPECT_THROW(enh_gaussian_filter_fast(image, ksize, 3.0), std::bad_array_new_length) << ksize;
+    EXPECT_EQ(levelsOf(enh_gaussian_filter(image, ksize, 3.0, 3.0)), uniformLevels(4, 3, 0))
+        << ksize;
+  }
+  for (int ksize : {-1, 1}) {
+    EXPECT_EQ(levelsOf(enh_gaussian_filter(image, ksize, 3.0, 3.0)), levelsOf(image)) << ksize;
+  }
+  EXPECT_THROW(enh_gaussian_filter(image, std::numeric_limits<int>::min(), 3.0, 3.0),
+               std::bad_array_new_length);
 }
 
 TEST(GaussianBlur, TwoDimensionalOfEvenSizeLeansUpAndLeft) {

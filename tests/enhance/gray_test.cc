@@ -57,11 +57,54 @@ TEST(CvtGray, EachLevelOfEachPrimary) {
   }
 }
 
+TEST(CvtGray, SumsAreMadeInSinglePrecisionAndInOrder) {
+  const struct {
+    LUMO_IMG_COLOR color;
+    std::array<unsigned char, 4> pixel;
+    int gray;
+    const char* why;
+  } kCases[] = {
+      {LUMO_IMG_RGB,
+       {1, 63, 230, 9},
+       64,
+       "0.299 + 36.981 + 26.22 = 63.5; from the other end below it"},
+      {LUMO_IMG_RGBA, {1, 63, 230, 9}, 64, "the same"},
+      {LUMO_IMG_RGB, {2, 0, 43, 9}, 6, "0.598 + 4.902 = 5.5; in double precision below it"},
+      {LUMO_IMG_RGB, {4, 40, 16, 9}, 26, "1.196 + 23.48 + 1.824 = 26.5; here below it"},
+      {LUMO_IMG_BGR,
+       {1, 5, 249, 9},
+       78,
+       "0.114 + 2.935 + 74.451 = 77.5; from the other end below it"},
+      {LUMO_IMG_BGRA, {1, 5, 249, 9}, 78, "the same"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(grayOf(c.color, c.pixel), c.gray) << "layout " << c.color << ": " << c.why;
+  }
+}
+
 TEST(CvtGray, PixelsFollowByTheirChannels) {
   const unsigned char bgr[] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255};
   EXPECT_EQ(levelsOf(cvtGray(LumoImage(2, 2, LUMO_IMG_BGR, bgr))), (Levels{{29, 150}, {76, 255}}));
   const unsigned char rgba[] = {255, 0, 0, 7, 0, 255, 0, 8, 0, 0, 255, 9};
   EXPECT_EQ(levelsOf(cvtGray(LumoImage(3, 1, LUMO_IMG_RGBA, rgba))), (Levels{{76, 150, 29}}));
+}
+
+TEST(CvtGray, ChannelsTellTheStepAndTheLayoutTheBytes) {
+  const unsigned char pixels[] = {255, 0, 0, 7, 0, 0, 255, 9};
+  const struct {
+    LUMO_IMG_COLOR made, becomes;
+    Levels levels;
+    const char* why;
+  } kCases[] = {
+      {LUMO_IMG_BGRA, LUMO_IMG_BGR, {{29, 76}}, "four bytes a pixel, of which three count"},
+      {LUMO_IMG_BGRA, LUMO_IMG_GRAY, {{255, 0}}, "four bytes a pixel, of which one counts"},
+      {LUMO_IMG_RGB, LUMO_IMG_RGBA, {{76, 2}}, "three bytes a pixel, then 7 0 0: 2.093"},
+  };
+  for (const auto& c : kCases) {
+    LumoImage image(2, 1, c.made, pixels);
+    image.color = c.becomes;
+    EXPECT_EQ(levelsOf(cvtGray(image)), c.levels) << c.why;
+  }
 }
 
 TEST(CvtGray, UnknownLayoutCountsAsRgbWithAlpha) {

@@ -7,10 +7,27 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
+#include <utility>
 
+#include "heap.h"
 #include "test_lumo.h"
 
 namespace {
+
+// The layouts are numbers in files and interfaces of others.
+static_assert(sizeof(LUMO_IMG_COLOR) == 4);
+static_assert(LUMO_IMG_GRAY == 0);
+static_assert(LUMO_IMG_BGR == 1);
+static_assert(LUMO_IMG_RGB == 2);
+static_assert(LUMO_IMG_BGRA == 3);
+static_assert(LUMO_IMG_RGBA == 4);
+
+static_assert(!std::is_default_constructible_v<LumoImage>, "every image has a size");
+// What is about to go can be copied as everything else: nothing moves.
+static_assert(std::is_move_constructible_v<LumoImage> && std::is_move_assignable_v<LumoImage>);
+static_assert(!std::is_nothrow_move_constructible_v<LumoImage>);
+static_assert(!std::is_nothrow_move_assignable_v<LumoImage>);
 
 TEST(LumoImage, FieldsAreInOrder) {
   EXPECT_EQ(offsetof(LumoImage, width), 0u);
@@ -95,10 +112,68 @@ TEST(LumoImage, AssignmentIsDeepAndReturnsTheImage) {
   EXPECT_EQ(bytesOf(image), (std::vector<int>{1, 2, 3, 4}));
 }
 
+TEST(LumoImage, AssignmentTakesTheChannelsAsTheyStand) {
+  const unsigned char pixels[] = {1, 2, 3};
+  LumoImage source(1, 1, LUMO_IMG_BGR, pixels);
+  source.color = LUMO_IMG_GRAY;  // which would give 1
+  LumoImage image(7, 5, LUMO_IMG_RGBA);
+  image = source;
+  EXPECT_EQ(image.channels, 3);
+  EXPECT_EQ(image.color, LUMO_IMG_GRAY);
+  EXPECT_EQ(bytesOf(image), (std::vector<int>{1, 2, 3}));
+}
+
+TEST(LumoImage, ImageThatIsAboutToGoIsCopiedAsAnyOther) {
+  LumoImage image = grayImage({{1, 2, 3}});
+  const LumoImage constructed(std::move(image));
+  LumoImage assigned(7, 5, LUMO_IMG_RGB);
+  assigned = std::move(image);
+  EXPECT_EQ(bytesOf(image), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(bytesOf(constructed), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(bytesOf(assigned), (std::vector<int>{1, 2, 3}));
+  EXPECT_NE(constructed.data, image.data);
+  EXPECT_NE(assigned.data, image.data);
+}
+
+TEST(LumoImage, BuffersAreHadAndGivenBack) {
+  const LumoImage source = grayImage({{1, 2, 3}});
+  const struct {
+    const char* name;
+    void (*action)(const LumoImage& source);
+    const char* events;
+  } kCases[] = {
+      {"image", [](const LumoImage&) { LumoImage(5, 4, LUMO_IMG_RGB); }, "+-"},
+      {"image of bytes", [](const LumoImage& from) { LumoImage(3, 1, LUMO_IMG_GRAY, from.data); },
+       "+-"},
+      {"copy", [](const LumoImage& from) { LumoImage copy(from); }, "+-"},
+      {"assignment, which gives the old one back first",
+       [](const LumoImage& from) {
+         LumoImage image(7, 5, LUMO_IMG_GRAY);
+         image = from;
+       },
+       "+-+-"},
+  };
+  for (const auto& c : kCases) {
+    std::string events;
+    {
+      const HeapWatch heap;
+      c.action(source);
+      events = heap.events();
+    }
+    EXPECT_EQ(events, c.events) << c.name;
+  }
+}
+
 TEST(LumoImage, SelfAssignmentKeepsTheSizeOnlyIsKept) {
   LumoImage image(100, 50, LUMO_IMG_RGB);
   LumoImage& same = image;
-  image = same;
+  std::string events;
+  {
+    const HeapWatch heap;
+    image = same;
+    events = heap.events();
+  }
+  EXPECT_EQ(events, "-+") << "the pixels are gone before there is room for any";
   EXPECT_EQ(image.width, 100);
   EXPECT_EQ(image.height, 50);
   EXPECT_EQ(image.channels, 3);

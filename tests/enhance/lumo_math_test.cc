@@ -114,6 +114,12 @@ TEST(MyExp, EndsAfter20TermsIsKept) {
   for (const auto& c : kCases) EXPECT_EQ(my_exp(c.x), c.power) << c.x;
 }
 
+TEST(MyExp, LastTermIsComparedInDoublePrecision) {
+  // The eighth term is 9.99999997e-07, the single-precision number nearest to 1e-06 and the least
+  // bit below it: it ends the series. A ninth would make the sum 0x1.f3fcecp+0.
+  EXPECT_EQ(my_exp(0x1.56bc7ap-1F), 0x1.f3fceap+0F);
+}
+
 TEST(MyLn, KnownValues) {
   const struct {
     float x, logarithm;
@@ -156,15 +162,14 @@ TEST(MyLn, NotANumberOrNoFiniteStepGivesNotANumber) {
 }
 
 TEST(MyLn, StepsThatGoInACircleEnd) {
-  // Above 16 neighbouring values are 1.9e-6 apart, so steps to and fro between two of them never
-  // come below 1e-6. From 7714754 on that happens; either of the two is an answer.
+  // Beyond 16 neighbouring values are 1.9e-6 apart, so steps to and fro between two of them never
+  // come below 1e-6. From 7714754 on that happens, and near 0; either of the two is an answer.
   const struct {
     float x, low, high;
   } kCases[] = {
-      {7714754.0F, 16.0000153F, 16.0000172F},
-      {7838459.5F, 16.0170212F, 16.0170231F},
-      {8157595.5F, 16.0597115F, 16.0597134F},
-      {10130616.0F, 16.2921333F, 16.2921352F},
+      {7714754.0F, 16.0000153F, 16.0000172F}, {7838459.5F, 16.0170212F, 16.0170231F},
+      {8157595.5F, 16.0597115F, 16.0597134F}, {10130616.0F, 16.2921333F, 16.2921352F},
+      {9.85e-8F, -16.2944336F, -16.2944317F}, {5.05e-8F, -17.019268F, -17.0192661F},
   };
   for (const auto& c : kCases) {
     const float y = my_ln(c.x);

@@ -116,7 +116,6 @@ TEST(MomentsThreshold, NoLevelAboveTheTargetIsMinus1) {
   for (const auto& c : kCases) EXPECT_EQ(thresholdOf(c.bins), -1) << c.why;
 }
 
-// Pages that are all but uniform, the everyday case: rounding decides, and the search ends.
 TEST(MomentsThreshold, NothingIsReadOfAPageWithoutPixels) {
   // The shares are 0 / 0.
   for (const GrayRows& page : {GrayRows{nullptr, 0, 0, 0}, GrayRows{nullptr, 0, 0, 5},
@@ -125,6 +124,7 @@ TEST(MomentsThreshold, NothingIsReadOfAPageWithoutPixels) {
   }
 }
 
+// Pages that are all but uniform, the everyday case: rounding decides, and the search ends.
 TEST(MomentsThreshold, OneDotOnAPage) {
   const struct {
     int pixels;

@@ -171,6 +171,22 @@ TEST(Tattoo, ExtremeThresholds) {
   }
 }
 
+// Where no level qualifies, the X8 curve bends every level upwards from -1: other pivots make other
+// dots of this page.
+TEST(Tattoo, X8BendsAllLevelsFromMinus1WhereNoLevelQualifies) {
+  Levels levels = uniformLevels(5, 3, 68);
+  levels[2][3] = 71;
+  LumoImage page = grayImage(levels);
+  ASSERT_EQ(thresh_global_moments(page), -1);
+  const auto dotsWithPivot = [&levels](int pivot) {
+    LumoImage gray = grayImage(levels);
+    enh_piecewise_gamma(gray, pivot, 0.5F, 1.5F);
+    return dotsOf(edf_cus(enh_unsharp_mask(gray, 300.0F, 11), -1));
+  };
+  for (int pivot : {0, 128}) ASSERT_NE(dotsWithPivot(pivot), dotsWithPivot(-1)) << pivot;
+  EXPECT_TRUE(samePicture(dotsOf(lumoTattooDitheringX8(page)), dotsWithPivot(-1)));
+}
+
 TEST(Tattoo, HalfBlackHalfWhiteIsDiffusedAtThreshold255) {
   // Threshold 255: only carried error makes a dot white, the first white column is lost and the
   // rest of the white half is above it.
@@ -211,6 +227,29 @@ TEST(Tattoo, ColoursAreMadeGrayFirst) {
       const std::vector<int> before = bytesOf(image);
       EXPECT_TRUE(samePicture(dotsOf(variant.halftone(image)), dotsOf(variant.halftone(gray))));
       EXPECT_EQ(bytesOf(image), before);
+    }
+  }
+}
+
+TEST(Tattoo, GrayOfOtherChannelsAndOneChannelOfColoursAreConverted) {
+  std::vector<unsigned char> bytes;
+  for (const auto& row : noiseLevels(60, 13, 7)) {
+    for (int level : row) bytes.push_back(static_cast<unsigned char>(level));
+  }
+  // Every third byte counts.
+  LumoImage grayOfThree(20, 12, LUMO_IMG_RGB, bytes.data());
+  grayOfThree.color = LUMO_IMG_GRAY;
+  // Each pixel is made of its byte and of the two that follow; the last row is there for the last
+  // pixel.
+  LumoImage coloursOfOne(60, 13, LUMO_IMG_GRAY, bytes.data());
+  coloursOfOne.color = LUMO_IMG_BGR;
+  coloursOfOne.height = 12;
+  for (const Variant& variant : kVariants) {
+    for (LumoImage* image : {&grayOfThree, &coloursOfOne}) {
+      LumoImage gray = cvtGray(*image);
+      ASSERT_NE(levelsOf(gray), levelsOf(*image));
+      EXPECT_TRUE(samePicture(dotsOf(variant.halftone(*image)), dotsOf(variant.halftone(gray))))
+          << variant.name << ", " << image->channels << " channels";
     }
   }
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "test_lumo.h"
 
 namespace {
@@ -68,6 +70,36 @@ TEST(PiecewiseGamma, Pivot255KeepsWhite) {
   EXPECT_EQ(table[254], 254);  // 254.4995
 }
 
+TEST(PiecewiseGamma, PowersThatAreNotANumberBecomeBlack) {
+  constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  // What no int holds is cut to the least int, whose low byte is 0.
+  const struct {
+    const char* name;
+    int pivot;
+    float low, high;
+    std::size_t level;
+    int becomes;
+    const char* why;
+  } kCases[] = {
+      {"lower side", 128, kNan, 1.0F, 64, 0, "a power that is not a number"},
+      {"lower side", 128, kNan, 1.0F, 200, 199, "the upper side is as it was: 199.9999"},
+      {"lower side", 128, kNan, 1.0F, 0, 128, "0 to it is -1: -128, of which the low byte is 128"},
+      {"upper side", 128, 1.0F, kNan, 200, 0, "a power that is not a number"},
+      {"upper side", 128, 1.0F, kNan, 64, 64, "the lower side is as it was"},
+      {"upper side", 128, 1.0F, kNan, 128, 1, "0 to it is -1: -127 + 128"},
+      {"infinite", 128, 1.0F, kInfinity, 255, 0, "infinity x ln 1"},
+      {"infinite", 128, 1.0F, kInfinity, 200, 128, "0.57 to it is 0, and so the pivot"},
+      {"minus infinite", 128, 1.0F, -kInfinity, 255, 0, "minus infinity x ln 1"},
+      {"white is the pivot", 255, kNan, kNan, 254, 0, "a power that is not a number"},
+      {"white is the pivot", 255, kNan, kNan, 255, 255, "there is no power to it"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(piecewiseGammaTable(c.pivot, c.low, c.high)[c.level], c.becomes)
+        << c.name << ", level " << c.level << ": " << c.why;
+  }
+}
+
 TEST(PiecewiseGamma, PivotOf0OrBelowUsesTheUpperSideOnly) {
   const auto zero = piecewiseGammaTable(0, 0.5F, 1.5F);
   EXPECT_EQ(zero[0], 0);
@@ -94,6 +126,23 @@ TEST(PiecewiseGamma, BendsEachByteInPlace) {
   LumoImage image = grayImage({{0, 64, 255}, {1, 128, 200}});
   enh_piecewise_gamma(image, 64, 0.85F, 0.7F);
   EXPECT_EQ(levelsOf(image), (Levels{{0, 64, 255}, {1, 152, 214}}));
+}
+
+TEST(PiecewiseGamma, BendsOneBytePerPixelWhateverTheLayout) {
+  const unsigned char bytes[] = {128, 200, 128, 200, 128, 200, 128, 200};
+  const struct {
+    LUMO_IMG_COLOR color;
+    std::vector<int> result;
+  } kCases[] = {
+      {LUMO_IMG_GRAY, {152, 214}},
+      {LUMO_IMG_BGR, {152, 214, 128, 200, 128, 200}},
+      {LUMO_IMG_RGBA, {152, 214, 128, 200, 128, 200, 128, 200}},
+  };
+  for (const auto& c : kCases) {
+    LumoImage image(2, 1, c.color, bytes);
+    enh_piecewise_gamma(image, 64, 0.85F, 0.7F);
+    EXPECT_EQ(bytesOf(image), c.result) << "layout " << c.color;
+  }
 }
 
 TEST(PiecewiseGamma, ImageFollowsTheTable) {

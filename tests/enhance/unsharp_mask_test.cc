@@ -87,6 +87,25 @@ TEST(UnsharpMask, SigmaIs3WhateverTheSizeIsKept) {
       << "only the reach differs";
 }
 
+TEST(UnsharpMask, LayoutStays) {
+  const unsigned char bytes[] = {100, 100, 90, 100, 100, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+  const LumoImage image(5, 1, LUMO_IMG_RGB, bytes);
+  // One byte per pixel; the bytes behind the pixels come along.
+  const struct {
+    int ksize;
+    std::vector<int> result;
+  } kCases[] = {
+      {5, {106, 106, 66, 106, 106, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},   // the blur is 98 everywhere
+      {11, {103, 103, 63, 103, 103, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},  // 99
+  };
+  for (const auto& c : kCases) {
+    const LumoImage result = enh_unsharp_mask(image, 300.0F, c.ksize);
+    EXPECT_EQ(result.color, LUMO_IMG_RGB) << c.ksize;
+    EXPECT_EQ(result.channels, 3) << c.ksize;
+    EXPECT_EQ(bytesOf(result), c.result) << c.ksize;
+  }
+}
+
 TEST(UnsharpMask, InputIsUnchanged) {
   const Levels levels = noiseLevels(5, 5, 3);
   const LumoImage image = grayImage(levels);

@@ -215,12 +215,12 @@ void diffuseInSixTaps(fuzz::Input& input) {
   const auto height = static_cast<std::size_t>(page.height);
   kernels::SixTapDiffuser diffuser(width, height, static_cast<float>(threshold));
   Bytes result(page.px.size());
-  for (std::size_t top = 0; top < height; top += kernels::SixTapDiffuser::kBandRows) {
-    const std::size_t rows = std::min(kernels::SixTapDiffuser::kBandRows, height - top);
+  for (std::size_t top = 0; top < height; top += kernels::SixTapDiffuser::kStripRows) {
+    const std::size_t rows = std::min(kernels::SixTapDiffuser::kStripRows, height - top);
     for (std::size_t row = 0; row < rows; ++row) {
       std::copy_n(page.px.data() + (top + row) * width, width, diffuser.input(row));
     }
-    diffuser.diffuseBand();
+    diffuser.diffuseStrip();
     for (std::size_t row = 0; row < rows; ++row) {
       std::copy_n(diffuser.output(row), width, result.data() + (top + row) * width);
     }

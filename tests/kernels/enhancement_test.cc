@@ -60,14 +60,14 @@ TEST_P(Enhancement, SmallPagesOfEverySize) {
   }
 }
 
-TEST_P(Enhancement, PagesOfManyBands) {
+TEST_P(Enhancement, PagesOfManyStrips) {
   for (const int width : {127, 576}) {
     for (const NamedPage& page : pagesOf(width, 67)) ASSERT_NO_FATAL_FAILURE(expectAsPlain(page));
   }
 }
 
-/// The last row at each place in the rows that are blurred in one go, and in the rows of a band.
-TEST_P(Enhancement, HeightsAroundThoseOfBands) {
+/// The last row at each place in the rows that are blurred in one go, and in the rows of a strip.
+TEST_P(Enhancement, HeightsAroundThoseOfStrips) {
   for (int height = 18; height <= 42; ++height) {
     for (const int width : {1, 5, 17, 40}) {
       const std::vector<NamedPage> pages = pagesOf(width, height);

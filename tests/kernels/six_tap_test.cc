@@ -16,12 +16,12 @@ reference::Gray diffused(const reference::Gray& page, int threshold) {
   const auto height = static_cast<std::size_t>(page.height);
   SixTapDiffuser diffuser(width, height, static_cast<float>(threshold));
   reference::Gray result(page.width, page.height);
-  for (std::size_t top = 0; top < height; top += SixTapDiffuser::kBandRows) {
-    const std::size_t rows = std::min(SixTapDiffuser::kBandRows, height - top);
+  for (std::size_t top = 0; top < height; top += SixTapDiffuser::kStripRows) {
+    const std::size_t rows = std::min(SixTapDiffuser::kStripRows, height - top);
     for (std::size_t row = 0; row < rows; ++row) {
       std::copy_n(page.px.data() + (top + row) * width, width, diffuser.input(row));
     }
-    diffuser.diffuseBand();
+    diffuser.diffuseStrip();
     for (std::size_t row = 0; row < rows; ++row) {
       std::copy_n(diffuser.output(row), width, result.px.data() + (top + row) * width);
     }
@@ -59,7 +59,7 @@ TEST_P(SixTapEngine, SmallPagesOfEverySize) {
   }
 }
 
-TEST_P(SixTapEngine, PagesOfManyBands) {
+TEST_P(SixTapEngine, PagesOfManyStrips) {
   for (const int width : {100, 127, 203, 576}) {
     for (const NamedPage& page : pagesOf(width, 67)) {
       for (const int threshold : kThresholds) {
@@ -69,9 +69,9 @@ TEST_P(SixTapEngine, PagesOfManyBands) {
   }
 }
 
-/// The last row at each place in both halves of the first and of the second band, and rows that are
-/// just long enough for the two halves to take turns.
-TEST_P(SixTapEngine, BandsThatThePageDoesNotFill) {
+/// The last row at each place in both bands of the first and of the second strip, and rows that are
+/// just long enough for the two bands to take turns.
+TEST_P(SixTapEngine, StripsThatThePageDoesNotFill) {
   for (int height = 18; height <= 66; ++height) {
     for (const int width : {1, 2, 3, 16, 92, 93, 172, 173, 174, 150 + height}) {
       const std::vector<NamedPage> pages = pagesOf(width, height);

@@ -60,16 +60,21 @@ float my_pow(float x, float y) {
     return y > 0 ? 0.0F : -1.0F;
   }
   if (0 > x) {
-    const float fraction = y - static_cast<float>(static_cast<int>(y));
+    const float fraction = y - static_cast<float>(truncated(y));
     if (!(fraction == 0)) return -1.0F;
   }
   const float exponent = y * my_ln(x);
   return my_exp(exponent);
 }
 
+int truncated(float x) {
+  const bool an_int_holds_it = x >= -2147483648.0F && x < 2147483648.0F;
+  return an_int_holds_it ? static_cast<int>(x) : std::numeric_limits<int>::min();
+}
+
 int my_round(float x) {
-  if (static_cast<double>(x) >= 0.0) return static_cast<int>(x + 0.5F);
-  return static_cast<int>(x - 0.5F);
+  if (static_cast<double>(x) >= 0.0) return truncated(x + 0.5F);
+  return truncated(x - 0.5F);
 }
 
 int my_clamp(int value, int low, int high) {

@@ -23,7 +23,10 @@ float my_ln(float x);
 /// not whole.
 float my_pow(float x, float y);
 
-/// Rounds half away from zero. REQUIRES: the result fits an int.
+/// Cut toward zero; the least int where no int holds it.
+int truncated(float x);
+
+/// Rounds half away from zero, bounds as in truncated.
 int my_round(float x);
 
 /// `low` when value < low, otherwise `value` when value < high, otherwise `high`.

@@ -1,7 +1,5 @@
 #include "reference/tone_curve.h"
 
-#include <cmath>
-
 #include "reference/scalar_math.h"
 
 namespace reference {
@@ -13,17 +11,17 @@ std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gamma_low, fl
 
   for (int i = 0; i < 256; ++i) {
     const float level = static_cast<float>(i);
-    float t = 0;
     float entry = 0;
     if (i < pivot) {
-      t = my_pow(level / pivot_level, gamma_low);
+      const float t = my_pow(level / pivot_level, gamma_low);
       entry = t * pivot_level;
+    } else if (i == 255 && pivot == 255) {
+      entry = 255.0F;
     } else {
-      t = my_pow((level - pivot_level) / span_above, gamma_high);
+      const float t = my_pow((level - pivot_level) / span_above, gamma_high);
       entry = t * span_above + pivot_level;
     }
-    if (std::isnan(t)) entry = pivot_level;
-    table[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(static_cast<int>(entry));
+    table[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(truncated(entry));
   }
   return table;
 }

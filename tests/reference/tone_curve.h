@@ -8,8 +8,8 @@
 namespace reference {
 
 /// The two-piece gamma curve as a table: levels below `pivot` bend by `gamma_low`, the others by
-/// `gamma_high`; each entry is cut, not rounded, to its low byte. An entry whose power is not a
-/// number (pivot 255, level 255) is the pivot itself.
+/// `gamma_high`; each entry is cut, not rounded, to its low byte. Level 255 of the pivot 255,
+/// which would be the power of 0 / 0, stays 255.
 std::array<std::uint8_t, 256> piecewiseGammaTable(int pivot, float gamma_low, float gamma_high);
 
 /// Every pixel of `image` through the table.

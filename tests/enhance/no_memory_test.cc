@@ -1,6 +1,7 @@
 // Each block of memory that the enhancement asks for may be the one that can't be had.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <vector>

@@ -2,7 +2,8 @@
 // that the shipped binary can be tested unchanged and many tests can run side by side.
 //
 // TARVO_TEST_FOLDER: /var/spool/cups/tmp/NAME becomes FOLDER/spool/NAME, and /tmp/xxxxx.log becomes
-// FOLDER/xxxxx.log. TARVO_TEST_TIME: what time() answers, in seconds since 1970.
+// FOLDER/xxxxx.log; without a folder neither can be opened, so that no test writes to the real ones.
+// TARVO_TEST_TIME: what time() answers, in seconds since 1970.
 //
 // Plain C inside: this code runs before anything else in the process.
 #include <dlfcn.h>
@@ -21,8 +22,9 @@ constexpr char kTrace[] = "/tmp/xxxxx.log";
 constexpr size_t kPathSize = 4096;
 
 const char* redirected(const char* path, char* buffer) {
+  if (path == nullptr) return path;
   const char* folder = getenv("TARVO_TEST_FOLDER");
-  if (folder == nullptr || path == nullptr) return path;
+  if (folder == nullptr) folder = "/nonexistent";
   const size_t spoolLength = sizeof kSpool - 1;
   int length = 0;
   if (strncmp(path, kSpool, spoolLength) == 0) {

@@ -2,8 +2,8 @@
 // that the shipped binary can be tested unchanged and many tests can run side by side.
 //
 // TARVO_TEST_FOLDER: /var/spool/cups/tmp/NAME becomes FOLDER/spool/NAME, and /tmp/xxxxx.log becomes
-// FOLDER/xxxxx.log; without a folder neither can be opened, so that no test writes to the real ones.
-// TARVO_TEST_TIME: what time() answers, in seconds since 1970.
+// FOLDER/xxxxx.log; without a folder neither can be opened, so that no test writes to the real
+// ones. TARVO_TEST_TIME: what time() answers, in seconds since 1970.
 //
 // Plain C inside: this code runs before anything else in the process.
 #include <dlfcn.h>

@@ -165,9 +165,9 @@ TEST(PixelColor, SetStoresTheNearestIndex) {
   };
   for (const auto& c : kCases) {
     for (bool alpha : {false, true}) {
-      IndexedImage image(c.bpp, {{1, 1, 1}});
+      IndexedImage image(c.bpp, {{1, 1, 1, 1, 1, 1, 1, 1, 1}});
       image.BlindSetPixelColor(1, 0, rgb(120, 120, 120), alpha);
-      EXPECT_EQ(levelsOf(image), (Levels{{1, c.index, 1}})) << c.bpp;
+      EXPECT_EQ(levelsOf(image), (Levels{{1, c.index, 1, 1, 1, 1, 1, 1, 1}})) << c.bpp;
     }
   }
 }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <string>
 
+#include "support/descriptors.h"
 #include "support/folder.h"
 
 namespace {
@@ -79,12 +80,14 @@ TEST(OwnFile, WhatWasPlantedIsLeftAsItWas) {
       {"a folder",
        [](const std::string&, const std::string& at) { std::filesystem::create_directory(at); }},
       {"a pipe", [](const std::string&, const std::string& at) { mkfifo(at.c_str(), 0600); }}};
+  const std::size_t open = support::openDescriptors();
   for (const auto& [what, plant] : cases) {
     plant(target, path);
     const auto kind = std::filesystem::symlink_status(path).type();
     EXPECT_EQ(tarvoOpenOwnFile(path.c_str()), nullptr) << what;
     EXPECT_EQ(support::readFile(target), "content") << what;
     EXPECT_EQ(std::filesystem::symlink_status(path).type(), kind) << what;
+    EXPECT_EQ(support::openDescriptors(), open) << what;
     std::filesystem::remove(path);
   }
   EXPECT_EQ(tarvoOpenOwnFile((folder / "none" / "file").c_str()), nullptr);

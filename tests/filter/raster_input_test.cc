@@ -9,18 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "support/descriptors.h"
 #include "support/folder.h"
 #include "support/raster.h"
 
 namespace {
-
-std::size_t openDescriptors() {
-  std::size_t count = 0;
-  for (int descriptor = 0; descriptor < 256; ++descriptor) {
-    if (fcntl(descriptor, F_GETFD) != -1) ++count;
-  }
-  return count;
-}
 
 TEST(RasterInput, ReadsThePagesOfAFileAndClosesIt) {
   const support::Folder folder;
@@ -29,11 +22,11 @@ TEST(RasterInput, ReadsThePagesOfAFileAndClosesIt) {
   support::writeFile(folder / "pages", support::rasterFile(pages));
   const std::string path = folder / "pages";
 
-  const std::size_t before = openDescriptors();
+  const std::size_t before = support::openDescriptors();
   {
     RasterInput input;
     ASSERT_TRUE(input.openFile(path.c_str()));
-    EXPECT_EQ(openDescriptors(), before + 1);
+    EXPECT_EQ(support::openDescriptors(), before + 1);
     input.openRaster();
     cups_page_header2_t header;
     for (const support::Page& page : pages) {
@@ -45,7 +38,7 @@ TEST(RasterInput, ReadsThePagesOfAFileAndClosesIt) {
     }
     EXPECT_FALSE(input.readHeader(header));
   }
-  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(support::openDescriptors(), before);
 }
 
 TEST(RasterInput, StandardInputStaysOpen) {

@@ -1,9 +1,10 @@
-// Reading and writing that only SIGTERM interrupts. Here the signal does not come: whole jobs that
-// are cancelled have tests of their own.
+// Reading and writing that only SIGTERM interrupts. Here it comes before they begin, if at all:
+// whole jobs that are cancelled have tests of their own.
 #include "common/termination.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -65,6 +66,33 @@ TEST(ReadAndWrite, FailureIsMinusOneWithItsReason) {
   EXPECT_EQ(errno, EBADF);
   EXPECT_EQ(tarvoWriteUnlessTerminated(kNotOpen, &byte, 1), -1);
   EXPECT_EQ(errno, EBADF);
+}
+
+TEST(ReadAndWrite, OnceTerminatedNeitherBegins) {
+  Pipe pipe;
+  char byte = 'a';
+  ASSERT_EQ(tarvoWriteUnlessTerminated(pipe.ends[1], &byte, 1), 1);
+
+  sigset_t termination, before;
+  sigemptyset(&termination);
+  sigaddset(&termination, SIGTERM);
+  sigprocmask(SIG_BLOCK, &termination, &before);
+  raise(SIGTERM);
+  errno = 0;
+  const ssize_t read = tarvoReadUnlessTerminated(pipe.ends[0], &byte, 1);
+  const int readError = errno;
+  errno = 0;
+  const ssize_t written = tarvoWriteUnlessTerminated(pipe.ends[1], &byte, 1);
+  const int writeError = errno;
+  int signal = 0;
+  sigwait(&termination, &signal);  // the test goes on
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+
+  EXPECT_EQ(read, -1);
+  EXPECT_EQ(readError, EINTR);
+  EXPECT_EQ(written, -1);
+  EXPECT_EQ(writeError, EINTR);
+  EXPECT_EQ(tarvoReadUnlessTerminated(pipe.ends[0], &byte, 1), 1) << "what came before is there";
 }
 
 }  // namespace

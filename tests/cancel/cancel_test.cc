@@ -210,19 +210,28 @@ TEST_F(Cancel, AClosedOutputEndsItAtEveryWrite) {
   }
 }
 
-// Whether or not whoever started it had SIGPIPE ignored.
+// Whether whoever started it had SIGPIPE ignored, blocked, or neither.
 TEST_F(Cancel, AClosedOutputEndsItAtOnce) {
   support::writeFile(raster_, support::rasterFile({grayPage(800, 100, Drawing::Random),
                                                    grayPage(800, 100, Drawing::Random)}));
-  for (const bool ignored : {false, true}) {
+  sigset_t pipe;
+  sigemptyset(&pipe);
+  sigaddset(&pipe, SIGPIPE);
+  const struct {
+    const char* what;
+    bool ignored, blocked;
+  } kCases[] = {{"neither", false, false}, {"ignored", true, false}, {"blocked", false, true}};
+  for (const auto& [what, ignored, blocked] : kCases) {
     ::signal(SIGPIPE, ignored ? SIG_IGN : SIG_DFL);
+    if (blocked) sigprocmask(SIG_BLOCK, &pipe, nullptr);
     RunningFilter filter(folder_.path(), ppd_, raster_, Writes::kBlocks);
+    sigprocmask(SIG_UNBLOCK, &pipe, nullptr);
     ::signal(SIGPIPE, SIG_DFL);
     filter.take();
     filter.settle();
     filter.hangUp();
     const int status = filter.end();
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE) << status;
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE) << status << ", " << what;
   }
 }
 

@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -66,6 +68,26 @@ TEST(ReadAndWrite, FailureIsMinusOneWithItsReason) {
   EXPECT_EQ(errno, EBADF);
   EXPECT_EQ(tarvoWriteUnlessTerminated(kNotOpen, &byte, 1), -1);
   EXPECT_EQ(errno, EBADF);
+}
+
+TEST(ReadAndWrite, OtherSignalsStayBlockedWhileTheyWait) {
+  sigset_t other, before;
+  sigemptyset(&other);
+  sigaddset(&other, SIGUSR1);
+  sigprocmask(SIG_BLOCK, &other, &before);
+  raise(SIGUSR1);  // it would end the test
+  Pipe pipe;
+  std::thread writer([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(write(pipe.ends[1], "a", 1), 1);
+  });
+  char byte = 0;
+  EXPECT_EQ(tarvoReadUnlessTerminated(pipe.ends[0], &byte, 1), 1);
+  writer.join();
+  int signal = 0;
+  sigwait(&other, &signal);
+  EXPECT_EQ(signal, SIGUSR1);
+  sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
 TEST(ReadAndWrite, OnceTerminatedNeitherBegins) {

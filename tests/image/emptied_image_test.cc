@@ -38,6 +38,7 @@ const struct {
 } kWithoutEffect[] = {
     {"Mirror", [](CxImage& image) { image.Mirror(); }},
     {"MakeCenter", [](CxImage& image) { image.MakeCenter(9); }},
+    {"DrawLine", [](CxImage& image) { image.DrawLine(0, 2, 0, 1, 1); }},
     {"Negative", [](CxImage& image) { image.Negative(); }},
     {"SetGrayPalette", [](CxImage& image) { image.SetGrayPalette(); }},
     {"SetPaletteColor", [](CxImage& image) { image.SetPaletteColor(1, 2, 3, 4, 5); }},

@@ -23,14 +23,10 @@ inline std::vector<std::int64_t> everyTarget() {
 class EveryTarget : public testing::TestWithParam<std::int64_t> {
  protected:
   void SetUp() override {
-    hwy::SetSupportedTargetsForTest(GetParam());
     hwy::GetChosenTarget().Update(GetParam());
     ASSERT_EQ(kernels::chosenTarget(), GetParam()) << "the kernels do not run on the target named";
   }
-  void TearDown() override {
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().DeInit();
-  }
+  void TearDown() override { hwy::GetChosenTarget().DeInit(); }
 };
 
 inline std::string targetName(const testing::TestParamInfo<std::int64_t>& info) {

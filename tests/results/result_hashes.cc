@@ -145,7 +145,6 @@ int check(const std::string& path) {
   if (targets.empty() || targets.back() != HWY_STATIC_TARGET) targets.push_back(HWY_STATIC_TARGET);
   bool good = true;
   for (const std::int64_t target : targets) {
-    hwy::SetSupportedTargetsForTest(target);
     hwy::GetChosenTarget().Update(target);
     const std::size_t count = differences(recorded, computed());
     const bool used = kernels::chosenTarget() == target;

@@ -15,6 +15,7 @@
 #include "align/page_report.h"
 #include "align/raster_stream.h"
 #include "common/enumeration.h"
+#include "common/no_memory.h"
 #include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
@@ -172,6 +173,7 @@ Outcome passJob(RasterReader& reader, RasterWriter& writer) {
 int main(int argc, char* argv[]) {
   tarvoFillStandardStreams();
   tarvoCatchTermination();
+  tarvoEndWithoutMemory("ERROR: Out of memory.\n");
   if (argc < 6 || argc > 7) {
     const char* name = tarvoPathGetBasename(argc > 0 ? argv[0] : "");
     std::fprintf(stderr, "Usage: %s job-id user title copies options [file]\n", name);

@@ -7,21 +7,24 @@
 // and the road ends as after the last page. What was begun before is sent whole.
 #include <malloc.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <utility>
 
 #include "common/enumeration.h"
-#include "common/file.h"
 #include "common/log.h"
+#include "common/no_memory.h"
 #include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
 #include "filter/page_check.h"
 #include "filter/raster_input.h"
+#include "filter/recording.h"
 #include "filter/settings.h"
 #include "filter/setup_commands.h"
 #include "filter/trace_file.h"
@@ -76,21 +79,6 @@ void printUsage(const char* program) {
   // Quirk: usage-spelling.
   std::fprintf(stderr, "%s v%s\n\nUsage:\n\n    %s job_id user title copyies options [file]\n\n",
                name, sVersion, name);
-}
-
-/// The recording file, added to the printer's streams; null when none was asked for or when it
-/// can't be created, which is no reason not to print.
-FileOwner attachRecording(TarvoPrinter& printer, const Settings& settings) {
-  const char* name = settings.FilterOutputFile;
-  if (name[0] == '\0') return nullptr;
-  FileOwner recording = tarvoOpenOwnFile(name);
-  if (recording == nullptr) {
-    tarvoLogCommon(3, "Unable to create the output file: %s", name);
-    return nullptr;
-  }
-  tarvoLogCommon(0, "Filter data output to: %s", name);
-  printer.getOutputStreams().push_back(recording.get());
-  return recording;
 }
 
 bool isPaperSizeKnown(const Settings& settings) {
@@ -180,21 +168,34 @@ int printPages(RasterInput& input, TarvoPrinter& printer, Settings& settings) {
   return 0;
 }
 
+/// Whether all that was printed has come to whoever reads standard output. Says so where it has
+/// not, but of a job that was cancelled: nobody waits for its rest.
+bool isOutputWritten(const TarvoPrinter& printer) {
+  const bool flushed = std::fflush(stdout) == 0;
+  const int error = printer.getOutputError() != 0 ? printer.getOutputError() : errno;
+  if ((flushed && std::ferror(stdout) == 0) || tarvoIsTerminated()) return true;
+  std::fprintf(stderr, "ERROR: The printer's data could not be written: %s\n",
+               std::strerror(error));
+  return false;
+}
+
 int printJob(std::unique_ptr<RasterInput> opened, const char* options) {
   // Destroyed in reverse: the input is closed first; the recording before the printer, which writes
   // nothing more.
   const auto printer = std::make_unique<TsplPrinter>();
-  FileOwner recording;
+  Recording recording;
   const PublishedPrinter published(printer.get());
   const std::unique_ptr<RasterInput> input = std::move(opened);
 
   Settings settings{};
   parseSettings(settings, options);
-  recording = attachRecording(*printer, settings);
+  recording.attach(*printer, settings.FilterOutputFile);
+  printer->setKeepPages(settings.KeepPages != 0);
   if (!isPaperSizeKnown(settings)) return 1;
   sendPreamble(*printer);
   input->openRaster();
-  return printPages(*input, *printer, settings);
+  const int status = printPages(*input, *printer, settings);
+  return isOutputWritten(*printer) ? status : 1;
 }
 
 }  // namespace
@@ -202,6 +203,8 @@ int printJob(std::unique_ptr<RasterInput> opened, const char* options) {
 int main(int argc, char* argv[]) {
   tarvoFillStandardStreams();
   tarvoCatchTermination();
+  tarvoEndWithoutMemory("ERROR:Unable to go on: std::bad_alloc\n");
+  const WaitingOutput waiting;
   keepMemoryBetweenPages();
   // All filters of a job share one pipe to the spooler, which reads it by lines: a line that is
   // written in pieces can swallow another filter's, or be torn by it.

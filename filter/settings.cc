@@ -101,6 +101,7 @@ void parseSettings(Settings& settings, const char* optionsText) {
   if (tarvoPpdGetChoiceAsIntDefault(ppd, "RecordPrinterCommands", 0) > 0) {
     composeRecordingName(ppd, settings.FilterOutputFile);
   }
+  settings.KeepPages = tarvoPpdGetChoiceAsBoolDefault(ppd, "KeepPages", 1);
   logSettings(settings);
 }
 

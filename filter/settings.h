@@ -34,6 +34,7 @@ struct Settings {
   std::int32_t OptionDisplayUnit;  ///< reserved, 0
   char FilterOutputFile[256];      ///< path of the recording file; empty for none
   std::int32_t ForceRotation;      ///< stored only
+  std::int32_t KeepPages;          ///< truth value: whether pages are dumped
 };
 
 /// Fills `settings` from the PPD that the environment variable PPD names, with the job's options

@@ -142,7 +142,7 @@ void TarvoPrinter::dumpImage(const char* pathTemplate, const char* announcement,
                              unsigned long height, unsigned long width) {
   tarvoStrCpy(imagePath_, pathTemplate, sizeof(imagePath_));
   tarvoLogCommon(0, "%s", announcement);
-  if (data != nullptr) saveImage(data, bytesPerLine, height, width, 8);
+  if (data != nullptr && keepPages_) saveImage(data, bytesPerLine, height, width, 8);
 }
 
 void TarvoPrinter::printProcessedImage() {

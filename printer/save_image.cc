@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "common/file.h"
+#include "common/whole_file.h"
 #include "printer/tarvo_printer.h"
 
 namespace {
@@ -94,28 +94,28 @@ void TarvoPrinter::saveImage(const unsigned char* data, unsigned long bytesPerLi
 #pragma GCC diagnostic pop
   ++page_index;
 
-  const FileOwner file = tarvoOpenOwnFile(name);
-  if (file == nullptr) {
-    std::fprintf(stderr, "TarvoPrinter::saveImage: unable to open the file %s\n", name);
-    return;
-  }
-
   const bool gray = bitsPerPixel == 8;
   const auto width32 = static_cast<std::uint32_t>(width);
   const auto height32 = static_cast<std::uint32_t>(height);
   const std::uint32_t rowBytes = ((gray ? width32 : (width32 + 7) / 8) + 3) / 4 * 4;
-  write(file.get(), bmpHeader(width32, height32, rowBytes, gray));
-  if (gray) {
-    // Quirk: dump-as-in-memory. Neither padded nor reordered: readers show the page upside down,
-    // and sheared when its width is not a multiple of 4.
-    writeGrayPalette(file.get());
-    write(file.get(), {data, static_cast<std::size_t>(width) * height});
-    return;
+  const std::uint64_t pixels = std::uint64_t{gray ? width : rowBytes} * height;
+  WholeFile dump(name, kHeaderBytes + (gray ? kGrayPaletteBytes : 0) + pixels);
+  if (std::FILE* file = dump.stream()) {
+    write(file, bmpHeader(width32, height32, rowBytes, gray));
+    if (gray) {
+      // Quirk: dump-as-in-memory. Neither padded nor reordered: readers show the page upside down,
+      // and sheared when its width is not a multiple of 4.
+      writeGrayPalette(file);
+      write(file, {data, static_cast<std::size_t>(width) * height});
+    } else {
+      // Quirk: bits-without-palette. Any other depth is one of 1 bit whose colours are left out.
+      if (bitsPerPixel == 1) {
+        constexpr std::array<unsigned char, 8> kBlackAndWhite = {0, 0, 0, 0, 255, 255, 255, 0};
+        write(file, kBlackAndWhite);
+      }
+      writeMonoRows(file, data, bytesPerLine, height, rowBytes);
+    }
+    if (dump.keep()) return;
   }
-  // Quirk: bits-without-palette. Any other depth is one of 1 bit whose colours are left out.
-  if (bitsPerPixel == 1) {
-    constexpr std::array<unsigned char, 8> kBlackAndWhite = {0, 0, 0, 0, 255, 255, 255, 0};
-    write(file.get(), kBlackAndWhite);
-  }
-  writeMonoRows(file.get(), data, bytesPerLine, height, rowBytes);
+  std::fprintf(stderr, "TarvoPrinter::saveImage: unable to open the file %s\n", name);
 }

@@ -71,13 +71,15 @@ class TarvoPrinter {
 
   /// Writes `height` rows of `width` pixels as a BMP file named by the template of imagePath_.
   /// 8 bits per pixel: the bytes as they lie in memory (quirk: dump-as-in-memory). Else: 1 bit per
-  /// pixel from rows `bytesPerLine` bytes apart, a 0 byte white. A file that can't be created costs
-  /// one line on standard error.
+  /// pixel from rows `bytesPerLine` bytes apart, a 0 byte white. The file appears under its name
+  /// when it is whole. One that can't be, for lack of room or because something else is in its
+  /// place, costs one line on standard error.
   void saveImage(const unsigned char* data, unsigned long bytesPerLine, unsigned long height,
                  unsigned long width, unsigned short bitsPerPixel);
 
   // Output (output.cc). Each writes the same bytes to every stream, in the order of the list; write
-  // errors are not looked at.
+  // errors change nothing, as a printer that waits for the rest of a bitmap is better off with what
+  // can still be written.
 
   void printBytes(const unsigned char* data, unsigned long length);
   void printStr(const char* text);
@@ -85,6 +87,9 @@ class TarvoPrinter {
 
   /// Returns the count of the write to the last stream; 0 when there is none.
   int printFormat(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+  /// The errno of the first write to standard output that failed, 0 while none has.
+  int getOutputError() const { return outputError_; }
 
   /// The streams that receive what is printed; not owned. The first is standard output.
   std::vector<std::FILE*>& getOutputStreams() { return outputStreams_; }
@@ -127,6 +132,10 @@ class TarvoPrinter {
   void setPageHeader(cups_page_header2_t* header) { pageHdr_ = header; }
   cups_page_header2_t* getPageHeader() const { return pageHdr_; }
 
+  /// Whether printImage dumps its pages; it does unless told otherwise.
+  void setKeepPages(bool keep) { keepPages_ = keep; }
+  bool isKeepPages() const { return keepPages_; }
+
   /// A banner that names the maker, in hexadecimal. Never printed.
   const char* getCopyRight() const;
 
@@ -159,6 +168,7 @@ class TarvoPrinter {
   std::uint64_t skipRightPixels_ = 0;  ///< bytes at the right that blank-line counting ignores
   UserData* userData_ = nullptr;       ///< not owned
   std::int32_t resolution_ = 300;      ///< dots per inch
+  bool keepPages_ = true;
 
  private:
   /// What blank-line counting found: lines; 0 where it is off.
@@ -181,9 +191,14 @@ class TarvoPrinter {
   long processPage(DitherType halftoneType, const unsigned char* data, int stride, int width,
                    int height, unsigned char* out);
 
+  /// Keeps the reason when a write to standard output has just failed.
+  void noteError(std::FILE* stream);
+
   /// The tattoo halftones of processPage: the page in cximage_ becomes ditheredImage_ and the
   /// current image. False when that image can't be made.
   bool ditherForTattoo(int stride, int width, int height, unsigned char* out);
+
+  int outputError_ = 0;
 };
 
 #endif  // TARVO_PRINTER_TARVO_PRINTER_H_

@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "support/descriptors.h"
 #include "support/folder.h"
@@ -32,14 +34,53 @@ mode_t accessOf(const std::filesystem::path& path) {
   return status.st_mode & 07777U;
 }
 
-TEST(OwnFile, IsMadeForAllWhomTheMaskLets) {
+// What is printed is nobody else's to read.
+TEST(OwnFile, IsForItsOwnerAlone) {
   const support::Folder folder;
   for (const mode_t mask : {mode_t{0}, mode_t{022}, mode_t{077}}) {
     const Mask set(mask);
     const std::string path = folder / ("made" + std::to_string(mask));
     ASSERT_NE(tarvoOpenOwnFile(path.c_str()), nullptr);
-    EXPECT_EQ(accessOf(path), 0666U & ~mask);
+    EXPECT_EQ(accessOf(path), 0600U);
+    // One that was there before and open to all.
+    ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    ASSERT_NE(tarvoOpenUnsharedFile(path.c_str()), nullptr);
+    EXPECT_EQ(accessOf(path), 0600U);
   }
+}
+
+TEST(UnsharedFile, IsLeftAsItIsWhileAnotherHasIt) {
+  const support::Folder folder;
+  const std::string path = folder / "file";
+  FileOwner first = tarvoOpenUnsharedFile(path.c_str());
+  ASSERT_NE(first, nullptr);
+  std::fputs("first", first.get());
+  std::fflush(first.get());
+  errno = 0;
+  EXPECT_EQ(tarvoOpenUnsharedFile(path.c_str()), nullptr);
+  EXPECT_EQ(errno, EWOULDBLOCK);
+  EXPECT_EQ(support::readFile(path), "first");
+  EXPECT_TRUE(tarvoCloseWhole(std::move(first)));
+  EXPECT_NE(tarvoOpenUnsharedFile(path.c_str()), nullptr) << "once it is closed it is free";
+  EXPECT_EQ(support::readFile(path), "");
+}
+
+TEST(CloseWhole, TellsWhetherAllIsInTheFile) {
+  const support::Folder folder;
+  FileOwner file = tarvoOpenOwnFile((folder / "file").c_str());
+  std::fputs("content", file.get());
+  EXPECT_TRUE(tarvoCloseWhole(std::move(file)));
+  EXPECT_EQ(support::readFile(folder / "file"), "content");
+
+  const auto full = [] { return FileOwner(std::fopen("/dev/full", "we")); };
+  FileOwner held = full();
+  std::fputs("held until it is closed", held.get());
+  EXPECT_FALSE(tarvoCloseWhole(std::move(held)));
+
+  FileOwner failed = full();
+  std::fputs("written", failed.get());
+  std::fflush(failed.get());
+  EXPECT_FALSE(tarvoCloseWhole(std::move(failed))) << "the loss lies behind it";
 }
 
 TEST(OwnFile, IsEmptiedAndWrittenTo) {
@@ -84,7 +125,9 @@ TEST(OwnFile, WhatWasPlantedIsLeftAsItWas) {
   for (const auto& [what, plant] : cases) {
     plant(target, path);
     const auto kind = std::filesystem::symlink_status(path).type();
+    EXPECT_TRUE(tarvoIsOccupied(path.c_str())) << what;
     EXPECT_EQ(tarvoOpenOwnFile(path.c_str()), nullptr) << what;
+    EXPECT_EQ(tarvoOpenUnsharedFile(path.c_str()), nullptr) << what;
     EXPECT_EQ(support::readFile(target), "content") << what;
     EXPECT_EQ(std::filesystem::symlink_status(path).type(), kind) << what;
     EXPECT_EQ(support::openDescriptors(), open) << what;

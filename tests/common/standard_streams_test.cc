@@ -58,4 +58,26 @@ TEST(StandardStreams, ReadingAndWritingFailAsOnAClosedOne) {
   EXPECT_TRUE(refuses(STDERR_FILENO));
 }
 
+/// The flags of standard output in a process of its own that has it not wait: before, during and
+/// after.
+TEST(StandardOutput, WaitsForItsReaderAsLongAsItIsToldTo) {
+  for (const int before : {0, O_NONBLOCK, O_NONBLOCK | O_APPEND}) {
+    const pid_t child = fork();
+    if (child == 0) {
+      int ends[2];
+      if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) == -1) _exit(1);
+      fcntl(STDOUT_FILENO, F_SETFL, before);
+      const int original = fcntl(STDOUT_FILENO, F_GETFL);
+      {
+        const WaitingOutput waiting;
+        if (fcntl(STDOUT_FILENO, F_GETFL) != (original & ~O_NONBLOCK)) _exit(2);
+      }
+      _exit(fcntl(STDOUT_FILENO, F_GETFL) == original ? 0 : 3);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << before;
+  }
+}
+
 }  // namespace

@@ -401,6 +401,23 @@ PpdText recordingPpd(const char* record, const std::string& attribute) {
   return text;
 }
 
+TEST(KeepPages, IsATruthValueThatIsTrueWhenAbsent) {
+  EXPECT_EQ(parse(PpdText()).settings.KeepPages, 1);
+  EXPECT_EQ(parse("/no/such/file.ppd", "KeepPages=False").settings.KeepPages, 1);
+  const struct {
+    const char* keyword;
+    int expected;
+  } cases[] = {{"True", 1}, {"False", 0}, {"yes", 1}, {"No", 0},
+               {"1", 1},    {"0", 0},     {"2", 2},   {"256", 0}};
+  for (const auto& [keyword, expected] : cases) {
+    const PpdText byPpd = PpdText().option("KeepPages", keyword, {keyword});
+    EXPECT_EQ(parse(byPpd).settings.KeepPages, expected) << keyword << " by the PPD";
+    const PpdText byJob = PpdText().option("KeepPages", "Other", {"Other", keyword});
+    const std::string options = std::string("KeepPages=") + keyword;
+    EXPECT_EQ(parse(byJob, options.c_str()).settings.KeepPages, expected) << keyword;
+  }
+}
+
 TEST(RecordingFile, NameIsTheAttributeAndTheLocalTimePaddedToTwoDigits) {
   const Variable zone("TZ", "UTC");
   const struct {

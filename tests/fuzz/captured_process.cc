@@ -6,6 +6,7 @@
 #include <stdio.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -109,6 +110,33 @@ File* fileOf(int descriptor) {
   return nullptr;
 }
 
+/// The name that a file in memory has for a path.
+std::string_view nameOf(std::string_view path) {
+  if (path.starts_with(kSpoolPath)) path.remove_prefix(kSpoolPath.size());
+  return path;
+}
+
+std::list<File>::iterator findFile(std::string_view path) {
+  return std::find_if(capture->files.begin(), capture->files.end(),
+                      [&](const File& one) { return one.name == nameOf(path); });
+}
+
+int renameFile(std::string_view from, std::string_view to) {
+  const auto file = findFile(from);
+  require(file != capture->files.end(), "renames what it has not made");
+  file->name = nameOf(to);
+  return 0;
+}
+
+/// What it held is free again.
+int removeFile(std::string_view path) {
+  const auto file = findFile(path);
+  require(file != capture->files.end(), "removes what it has not made");
+  capture->used -= file->bytes.size();
+  capture->files.erase(file);
+  return 0;
+}
+
 /// Something that can be truncated, for those who open a file before they make a stream of it.
 int openDescriptor(std::string_view path) {
   File* file = createFile(path);
@@ -209,6 +237,11 @@ FILE* openStream(FOpen* next, const char* path, const char* mode) {
 }
 
 using FStat = int(int, struct stat*);
+using LStat = int(const char*, struct stat*);
+using MakeTemporary = int(char*, int);
+using Rename = int(const char*, const char*);
+using Unlink = int(const char*);
+using FStatVfs = int(int, struct statvfs*);
 
 }  // namespace
 
@@ -252,6 +285,42 @@ int fstat(int descriptor, struct stat* status) {
   const int result = next(descriptor, status);
   if (result == 0 && fuzz::fileOf(descriptor) != nullptr) fuzz::dress(*status);
   return result;
+}
+
+int lstat(const char* path, struct stat* status) {
+  static LStat* const next = libraryFunction<LStat>("lstat");
+  if (fuzz::capture == nullptr) return next(path, status);
+  if (fuzz::findFile(path) == fuzz::capture->files.end()) {
+    errno = ENOENT;
+    return -1;
+  }
+  fuzz::dress(*status);
+  return 0;
+}
+
+int mkostemp(char* path, int flags) {
+  static auto* const next = libraryFunction<MakeTemporary>("mkostemp");
+  return fuzz::capture == nullptr ? next(path, flags) : fuzz::openDescriptor(path);
+}
+
+int rename(const char* from, const char* to) {
+  static auto* const next = libraryFunction<Rename>("rename");
+  return fuzz::capture == nullptr ? next(from, to) : fuzz::renameFile(from, to);
+}
+
+int unlink(const char* path) {
+  static auto* const next = libraryFunction<Unlink>("unlink");
+  return fuzz::capture == nullptr ? next(path) : fuzz::removeFile(path);
+}
+
+int fstatvfs(int descriptor, struct statvfs* status) {
+  static auto* const next = libraryFunction<FStatVfs>("fstatvfs");
+  if (fuzz::capture == nullptr) return next(descriptor, status);
+  *status = {};
+  status->f_frsize = 4096;
+  status->f_blocks = std::uint64_t{1} << 28U;
+  status->f_bavail = std::uint64_t{1} << 27U;
+  return 0;
 }
 
 time_t time(time_t* result) {

@@ -20,7 +20,8 @@ struct Surroundings {
   bool recordingCanBeCreated = true;
   bool traceCanBeWritten = true;
   bool dumpsCanBeWritten = true;
-  /// How many bytes dumps and recording hold in all before the disk is full.
+  /// How many bytes dumps and recording hold in all before the disk is full. It always says that it
+  /// has more.
   std::size_t room = std::numeric_limits<std::size_t>::max();
 };
 

@@ -36,7 +36,7 @@ void readChoices(ppd_file_t* ppd, reference::Job& plain) {
   for (const char* keyword :
        {"PageSize", "Resolution", "MediaMethod", "PaperType", "GapsHeight", "PostAction",
         "Occurrence", "Origin", "HalftoneType", "MirrorImage", "NegativeImage", "PrintSpeed",
-        "Darkness", "Brightness", "ForceRotation", "RecordPrinterCommands"}) {
+        "Darkness", "Brightness", "ForceRotation", "RecordPrinterCommands", "KeepPages"}) {
     const ppd_choice_t* choice = ppdFindMarkedChoice(ppd, keyword);
     if (choice == nullptr) {
       ppd_option_t* option = ppdFindOption(ppd, keyword);
@@ -175,7 +175,8 @@ std::string unreadable(const FilterRun& run) {
 
   std::size_t dump = 0;
   const auto& dumps = run.captured.dumps;
-  const bool dumped = run.captured.dumpsBegun == static_cast<long>(dumps.size());
+  const bool dumped =
+      run.captured.dumpsBegun > 0 && run.captured.dumpsBegun == static_cast<long>(dumps.size());
   for (const tspl::Page& page : stream.pages) {
     if (!page.bitmap || !dumped) continue;
     while (dump < dumps.size() && !dumps[dump].first.starts_with("dithered_")) ++dump;

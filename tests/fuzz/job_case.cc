@@ -38,6 +38,7 @@ const std::vector<Option>& options() {
       {"Resolution", {"203dpi", "300dpi"}},
       {"ForceRotation", {"0", "90"}},
       {"RecordPrinterCommands", {"0", "1", "-1"}},
+      {"KeepPages", {"True", "False", "yes", "no", "0", "256"}},
   };
   return all;
 }

@@ -32,11 +32,15 @@ TEST(ClosedStreams, OfThePrintingFilterChangeNothingElse) {
     if (output) program.output = StandardOutput::Closed;
     if (error) program.error = StandardOutput::Closed;
     const support::Outcome outcome = job.runAlone(program);
-    EXPECT_EQ(outcome.ending(), "exit status 0");
+    // Without an output there is no printer, and the job has failed.
+    EXPECT_EQ(outcome.ending(), output ? "exit status 1" : "exit status 0");
     EXPECT_EQ(support::firstDifference(output ? "" : goodStream(2), outcome.output), "");
     EXPECT_EQ(support::firstDifference(goodStream(2), *support::readFile(Places(job).recording)),
               "");
     EXPECT_EQ(outcome.error.empty(), error);
+    EXPECT_EQ(outcome.error.ends_with(
+                  "\nERROR: The printer's data could not be written: Bad file descriptor\n"),
+              output && !error);
     // 54 bytes of head, 1024 of palette, 32 dots.
     EXPECT_EQ(std::filesystem::file_size(Places(job).origin), 54U + 1024 + 32);
     EXPECT_EQ(std::filesystem::file_size(Places(job).dithered), 54U + 1024 + 32);
@@ -119,6 +123,32 @@ TEST(BrokenStreams, OutputThatNobodyReadsEndsBothFilters) {
       EXPECT_EQ(job.runAlone(*filter).signal, SIGPIPE) << filter->executable;
     }
   }
+}
+
+// A stream that does not wait takes what its reader has room for, and the rest would be lost in the
+// middle of a bitmap.
+TEST(UnwaitingOutput, IsWaitedFor) {
+  // Reads only when nothing more goes in, or the filter has ended.
+  const std::string reader =
+      "import fcntl, os, select, subprocess, sys, time\n"
+      "out, into = os.pipe()\n"
+      "fcntl.fcntl(into, fcntl.F_SETFL, os.O_NONBLOCK | os.O_WRONLY)\n"
+      "filter = subprocess.Popen(sys.argv[1:], stdout=into)\n"
+      "while filter.poll() is None and select.select([], [into], [], 0)[1]: time.sleep(0.001)\n"
+      "os.close(into)\n"
+      "while part := os.read(out, 65536): sys.stdout.buffer.write(part)\n"
+      "sys.exit(filter.wait())\n";
+  FilterJob job;
+  recordJob(job);
+  support::Program program = job.program();
+  const support::Page page = support::grayPage(800, 1000, support::Drawing::Random);
+  program.input = support::PipedBytes{support::rasterFile({page, page, page})};
+  const support::Outcome expected = job.runAlone(program);
+  ASSERT_GT(expected.output.size(), 300000U) << "no more than a pipe holds";
+  const support::Outcome outcome =
+      job.runAlone(through({"/usr/bin/env", "python3", "-c", reader}, program));
+  EXPECT_EQ(outcome.ending(), "exit status 0") << outcome.error;
+  EXPECT_EQ(support::firstDifference(expected.output, outcome.output), "");
 }
 
 }  // namespace

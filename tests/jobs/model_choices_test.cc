@@ -207,6 +207,7 @@ const Rule kRules[] = {
     {"MirrorImage", "HalftoneType=None", {}, nothing, true},
     {"NegativeImage", "HalftoneType=Tattoo", {}, nothing, true},
     {"RecordPrinterCommands", "", {}, nothing},
+    {"KeepPages", "", {}, nothing},
     // These act before the filter, where the page is made, and the raster here stays the same.
     {"PageSize", "", {}, nothing},
     {"PageRegion", "", {}, nothing},

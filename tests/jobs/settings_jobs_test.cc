@@ -33,6 +33,7 @@ TEST(SettingsJobs, EachChoiceNamedByTheJobOrByThePpd) {
       {"Darkness", {"-1", "0", "15", "30", "31", "8dark"}},
       {"Brightness", {"-1000", "-3", "7", "1000", "bright"}},
       {"ForceRotation", {"90"}},
+      {"KeepPages", {"True", "False", "yes", "NO", "0", "1", "255", "256", "Never"}},
   };
   for (const auto& [keyword, choices] : table) {
     for (const std::string& choice : choices) {

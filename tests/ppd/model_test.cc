@@ -103,7 +103,7 @@ TEST_P(Model, OffersWhatTheFilterReadsAndNothingThatChangesNothing) {
   for (const char* keyword :
        {"PageSize", "Resolution", "MediaMethod", "PaperType", "GapsHeight", "PostAction", "Origin",
         "HalftoneType", "MirrorImage", "NegativeImage", "PrintSpeed", "Darkness", "Brightness",
-        "RecordPrinterCommands"}) {
+        "RecordPrinterCommands", "KeepPages"}) {
     EXPECT_NE(ppdFindOption(ppd_.get(), keyword), nullptr) << keyword;
   }
   for (const char* keyword : {"Occurrence", "ForceRotation", "ColorModel", "Duplex"}) {

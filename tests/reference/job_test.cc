@@ -301,6 +301,22 @@ TEST(Job, DumpsThatCannotBeWrittenAreReportedAndCounted) {
   }
 }
 
+TEST(Job, KeepsItsPagesUnlessToldNotTo) {
+  for (const char* choice : {"True", "yes", "1", "255"}) {
+    Job job = smallJob();
+    job.choices["KeepPages"] = choice;
+    EXPECT_THAT(run(job).dumps, SizeIs(2)) << choice;
+  }
+  for (const char* choice : {"False", "no", "0", "256", "Never"}) {
+    Job job = smallJob();
+    job.choices["KeepPages"] = choice;
+    const Result result = run(job);
+    EXPECT_THAT(result.dumps, IsEmpty()) << choice;
+    EXPECT_EQ(result.stream, run(smallJob()).stream);
+    EXPECT_EQ(result.log, run(smallJob()).log);
+  }
+}
+
 TEST(Job, ATraceThatCannotBeWrittenIsPassedOver) {
   Job job = smallJob();
   job.traceCanBeWritten = false;

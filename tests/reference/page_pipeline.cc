@@ -77,6 +77,7 @@ void saveDump(Printer& printer, const char* kind, const std::vector<std::uint8_t
               const Sinks& sinks) {
   const std::string name = dumpName(kind, sinks.now, printer.dump_counter);
   ++printer.dump_counter;
+  if (!sinks.keep_pages) return;
   if (!sinks.dumps_can_be_written) {
     sinks.log.raw("TarvoPrinter::saveImage: unable to open the file " + (kDumpFolder + name) +
                   "\n");

@@ -60,6 +60,7 @@ struct Sinks {
   Log& log;
   const std::tm& now;
   bool dumps_can_be_written = true;
+  bool keep_pages = true;  ///< false: none is dumped
 };
 
 /// One page: counts, dumps, processing, printing.

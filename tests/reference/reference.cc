@@ -112,7 +112,8 @@ int printPages(const Job& job, Settings settings, Result& result, Log& log) {
 
     if (page.pixels.size() < page_bytes) continue;
     printImage(printer, optionsOf(settings), page,
-               {result.stream, result.dumps, log, job.now, job.dumpsCanBeWritten});
+               {result.stream, result.dumps, log, job.now, job.dumpsCanBeWritten,
+                settings.keep_pages != 0});
   }
   return 0;
 }

@@ -25,8 +25,8 @@ std::string settingText(const Job& job, const char* keyword) {
 
 int choiceInt(const Job& job, const char* keyword) { return leadingInt(choiceText(job, keyword)); }
 
-int choiceTruth(const Job& job, const char* keyword) {
-  return job.choices.contains(keyword) ? truthOf(choiceText(job, keyword)) : 0;
+int choiceTruth(const Job& job, const char* keyword, int absent = 0) {
+  return job.choices.contains(keyword) ? truthOf(choiceText(job, keyword)) : absent;
 }
 
 float millimetres(float points) { return static_cast<float>(static_cast<double>(points) * 0.3528); }
@@ -115,6 +115,7 @@ Settings parseSettings(const Job& job, Log& log) {
   if (choiceInt(job, "RecordPrinterCommands") > 0) {
     s.recording_name = recordingName(job.recordingAttribute, job.now);
   }
+  s.keep_pages = choiceTruth(job, "KeepPages", 1);
   logSettings(s, log);
   return s;
 }

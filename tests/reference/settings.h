@@ -29,6 +29,7 @@ struct Settings {
   int darkness = 0;
   int brightness = 0;
   std::string recording_name;  ///< empty: none
+  int keep_pages = 1;
 };
 
 /// A truth value: true, yes, false and no in any case, else the low 8 bits of a number, signed.

@@ -3,7 +3,9 @@
 //
 // TARVO_TEST_FOLDER: /var/spool/cups/tmp/NAME becomes FOLDER/spool/NAME, and /tmp/xxxxx.log becomes
 // FOLDER/xxxxx.log; without a folder neither can be opened, so that no test writes to the real
-// ones. TARVO_TEST_TIME: what time() answers, in seconds since 1970.
+// ones. TARVO_TEST_TIME: what time() answers, in seconds since 1970. TARVO_TEST_FREE: the bytes
+// that are free on each file system of a terabyte; without it half of it, whatever this machine
+// has.
 //
 // Plain C inside: this code runs before anything else in the process.
 #include <dlfcn.h>
@@ -12,6 +14,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/types.h>
 #include <time.h>
 
@@ -47,6 +51,20 @@ Function* next(const char* name) {
 using Open = int(const char*, int, ...);
 using OpenAt = int(int, const char*, int, ...);
 using FOpen = FILE*(const char*, const char*);
+using LStat = int(const char*, struct stat*);
+using MakeTemporary = int(char*, int);
+
+/// The template that the caller gave gets the name that was found, in its own folder.
+int makeTemporary(const char* name, char* path, int flags) {
+  char buffer[kPathSize];
+  const char* given = redirected(path, buffer);
+  if (given == path) return next<MakeTemporary>(name)(path, flags);
+  const int descriptor = next<MakeTemporary>(name)(buffer, flags);
+  const size_t length = strlen(path);
+  const size_t made = strlen(buffer);
+  for (size_t i = 1; i <= 6; ++i) path[length - i] = buffer[made - i];
+  return descriptor;
+}
 
 bool needsMode(int flags) { return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE; }
 
@@ -96,6 +114,36 @@ FILE* fopen(const char* path, const char* mode) {
 FILE* fopen64(const char* path, const char* mode) {
   char buffer[kPathSize];
   return next<FOpen>("fopen64")(redirected(path, buffer), mode);
+}
+
+int lstat(const char* path, struct stat* status) {
+  char buffer[kPathSize];
+  return next<LStat>("lstat")(redirected(path, buffer), status);
+}
+
+int mkostemp(char* path, int flags) { return makeTemporary("mkostemp", path, flags); }
+
+int mkostemp64(char* path, int flags) { return makeTemporary("mkostemp64", path, flags); }
+
+int rename(const char* from, const char* to) {
+  char bufferFrom[kPathSize], bufferTo[kPathSize];
+  return next<int(const char*, const char*)>("rename")(redirected(from, bufferFrom),
+                                                       redirected(to, bufferTo));
+}
+
+int unlink(const char* path) {
+  char buffer[kPathSize];
+  return next<int(const char*)>("unlink")(redirected(path, buffer));
+}
+
+int fstatvfs(int, struct statvfs* status) {
+  const char* free = getenv("TARVO_TEST_FREE");
+  memset(status, 0, sizeof *status);
+  status->f_bsize = status->f_frsize = 4096;
+  status->f_blocks = 1ULL << 28U;
+  status->f_bavail = free == nullptr ? 1ULL << 27U : strtoull(free, nullptr, 10) / 4096;
+  status->f_bfree = status->f_bavail;
+  return 0;
 }
 
 time_t time(time_t* result) {

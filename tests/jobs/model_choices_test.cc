@@ -68,6 +68,7 @@ struct Sent {
   std::string stream;
   std::vector<support::Command> commands;
   std::string recording;  ///< empty when there is none
+  std::size_t pictures;   ///< of the page, that were kept
 };
 
 Sent print(const std::string& model, const std::string& options) {
@@ -79,9 +80,10 @@ Sent print(const std::string& model, const std::string& options) {
   EXPECT_EQ(outcome.ending(), "exit status 0") << options << "\n" << outcome.error;
   const support::Commands commands = support::commandsOf(outcome.output);
   EXPECT_EQ(commands.fault, "") << options;
-  Sent sent{outcome.output, commands.list, ""};
+  Sent sent{outcome.output, commands.list, "", 0};
   for (const std::string& name : support::namesIn(job.spool())) {
     if (name.starts_with("tarvo-")) sent.recording = support::readFile(job.spool() / name).value();
+    if (name.ends_with(".bmp")) ++sent.pictures;
   }
   return sent;
 }
@@ -207,7 +209,7 @@ const Rule kRules[] = {
     {"MirrorImage", "HalftoneType=None", {}, nothing, true},
     {"NegativeImage", "HalftoneType=Tattoo", {}, nothing, true},
     {"RecordPrinterCommands", "", {}, nothing},
-    {"KeepPages", "", {}, nothing},
+    {"KeepPages", "", {}, nothing, false, {"True", "False"}},
     // These act before the filter, where the page is made, and the raster here stays the same.
     {"PageSize", "", {}, nothing},
     {"PageRegion", "", {}, nothing},
@@ -324,6 +326,13 @@ TEST_P(Model, BrightnessActsWithEachHalftone) {
           << halftone << " " << brightness;
     }
   }
+}
+
+TEST_P(Model, KeepsPicturesOfThePageUnlessAskedNotTo) {
+  EXPECT_EQ(print(model_, "").pictures, 2U);
+  EXPECT_EQ(print(model_, "KeepPages=True").pictures, 2U);
+  EXPECT_EQ(print(model_, "KeepPages=False").pictures, 0U);
+  EXPECT_EQ(print(model_, "noKeepPages").pictures, 0U) << "as the spooler says it";
 }
 
 TEST_P(Model, RecordsWhatIsSentWhenAskedTo) {

@@ -81,6 +81,18 @@ TEST(CloseWhole, TellsWhetherAllIsInTheFile) {
   std::fputs("written", failed.get());
   std::fflush(failed.get());
   EXPECT_FALSE(tarvoCloseWhole(std::move(failed))) << "the loss lies behind it";
+
+  // A file system of another machine may tell only then that it had no room.
+  const auto close = [](void*) {
+    errno = EDQUOT;
+    return -1;
+  };
+  const auto write = [](void*, const char*, std::size_t size) {
+    return static_cast<ssize_t>(size);
+  };
+  FileOwner remote(fopencookie(nullptr, "w", {nullptr, write, nullptr, close}));
+  std::fputs("content", remote.get());
+  EXPECT_FALSE(tarvoCloseWhole(std::move(remote))) << "lost while it is closed";
 }
 
 TEST(OwnFile, IsEmptiedAndWrittenTo) {

@@ -1,4 +1,4 @@
-# cpack makes a Debian package: "cpack --config build/release/CPackConfig.cmake -B DIRECTORY".
+# cpack makes a Debian package: "cpack --config build/user/CPackConfig.cmake -B DIRECTORY".
 #
 # What only Debian wants (its changelog and copyright, compressed manual pages) is added by
 # package/finish.cmake, so that "cmake --install" gives everyone else the plain files;

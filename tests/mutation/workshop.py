@@ -74,7 +74,8 @@ class Workshop:
             if os.path.exists(program):  # a run that was ended may have left a mutant there
                 os.remove(program)
         flags = FLAGS + VECTORS.get(os.uname().machine, "")
-        call("cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Mutation",
+        call("cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DTARVO_TESTS=ON",
+             "-DCMAKE_BUILD_TYPE=Mutation",
              "-DCMAKE_CXX_FLAGS=" + flags, "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld")
         call("ninja", "-C", self.build, *PROGRAMS, *EXTRA_TARGETS)
         self.read_commands()

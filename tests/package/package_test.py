@@ -14,8 +14,10 @@ import tarfile
 import tempfile
 import time
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+sys.path[:0] = [os.path.dirname(os.path.abspath(__file__)),
+                os.path.join(os.path.dirname(os.path.abspath(__file__)), "../spooler")]
 from packaged_cups import PackagedCups  # noqa: E402
+from printer import Printer  # noqa: E402
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAME = "printer-driver-tarvo"
@@ -203,15 +205,18 @@ def tidies_only_our_names(build, folder):
 def prints_in_a_queue(build, folder):
     """A print server that has only the unpacked package lists the models and prints with each."""
     root = unpack(build, os.path.join(folder, "root"))
-    with PackagedCups(os.path.join(folder, "cups"), root) as cups:
+    with PackagedCups(root) as cups:
         listed = [line.split(" ")[0] for line in cups.run("lpinfo", "-m").splitlines()
                   if "tarvo" in line]
         uris = [f"drv:///tarvo.drv/{model}" for model in MODELS]
         expect(sorted(listed) == uris, f"lpinfo -m lists {listed}")
         for number, uri in enumerate(uris):
-            out = cups.make_device(f"out{number}.tspl")
-            cups.run("lpadmin", "-p", f"q{number}", "-E", "-v", "file://" + out, "-m", uri)
-            cups.print(f"q{number}", os.path.join(SOURCE, "LICENSE"))
+            out = os.path.join(folder, f"out{number}.tspl")
+            with Printer() as printer, open(out, "wb") as file:
+                cups.run("lpadmin", "-p", f"q{number}", "-E", "-v", printer.uri, "-m", uri)
+                cups.print(f"q{number}", os.path.join(SOURCE, "LICENSE"))
+                expect(printer.wait(lambda p: p.jobs), f"{uri}: nothing came")
+                file.write(printer.jobs[0])
             pages = run(os.path.join(root, "usr/bin/tsplview"), out)
             print(uri, pages.splitlines()[0], sep="\n  ")
             expect(pages.startswith("page 1: ") and ", 1 copy" in pages, f"{uri} gives {pages}")

@@ -350,6 +350,7 @@ find {self.folder} -name '.tarvo-report-*' -printf '%m ' -o -path '*/temporary/*
 
     def test_a_report_goes_through_no_link(self):
         self.write("mine", "mine")
+        self.write("bin/lpoptions", f"#!/bin/sh\necho >{self.path('asked')}\n")
         for target in ("mine", "nothing", "temporary", "report"):
             with self.subTest(target=target):
                 os.symlink(self.path(target), self.path("report"))
@@ -359,6 +360,8 @@ find {self.folder} -name '.tarvo-report-*' -printf '%m ' -o -path '*/temporary/*
                 self.assertTrue(os.path.islink(self.path("report")))
                 os.unlink(self.path("report"))
         self.assertEqual(self.read("mine"), "mine")
+        # Nothing was gathered in vain.
+        self.assertFalse(os.path.exists(self.path("asked")))
 
     # Between the look and the writing.
     def test_nor_through_one_that_appears_meanwhile(self):

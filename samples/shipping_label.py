@@ -24,9 +24,8 @@ class Label(pdf.Page):
         self.content.append(f"{scale:.8f} 0 0 {scale:.8f} 0 0 cm")
 
     def box(self, x, y, width, height):
-        """A black box of whole dots. A rasteriser may fill each dot that the box touches, or each
-        whose middle it covers: a quarter of a dot smaller all round it is the same to both."""
-        self.rect(x + 0.25, HEIGHT - y - height + 0.25, width - 0.5, height - 0.5)
+        """A black box of whole dots."""
+        self.rect(x, HEIGHT - y - height, width, height)
 
     def line(self, y, x=20, width=WIDTH - 40):
         self.box(x, y, width, 3)

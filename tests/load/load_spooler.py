@@ -2,7 +2,7 @@
 import os
 import shutil
 
-from spooler import BUILD, FILTERS, Spooler
+from spooler import BUILD, FILTERS, Spooler, give_to_filters
 
 EXIT_REPORT = f"{BUILD}/tests/load/libtarvo_load_exit_report.so"
 
@@ -42,8 +42,7 @@ class LoadSpooler(Spooler):
         with open(self.path("etc/cupsd.conf"), "a", encoding="utf-8") as file:
             file.write("MaxJobs 100\nPreserveJobFiles No\n")
         shutil.copy(EXIT_REPORT, self.path("bin/ours/exit_report.so"))
-        os.mkdir(self.path("counts"))
-        os.chmod(self.path("counts"), 0o777)  # filters and backends have a user of their own
+        give_to_filters(self.path("counts"))  # and to backends
         backends = self.path("bin/backend")
         theirs = os.path.realpath(backends)
         os.unlink(backends)
@@ -53,10 +52,6 @@ class LoadSpooler(Spooler):
             file.write(FAILING_BACKEND.format(socket=f"{theirs}/socket"))
         os.chmod(f"{backends}/failing", 0o755)
         super()._start()
-
-    @property
-    def process(self):
-        return self._daemon.pid
 
     def failed_starts(self):
         """How many starts of the failing backend did fail."""

@@ -14,8 +14,10 @@ import tarfile
 import tempfile
 import time
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+sys.path[:0] = [os.path.dirname(os.path.abspath(__file__)),
+                os.path.join(os.path.dirname(os.path.abspath(__file__)), "../spooler")]
 from packaged_cups import PackagedCups  # noqa: E402
+from printer import Printer  # noqa: E402
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 NAME = "printer-driver-tarvo"
@@ -156,11 +158,25 @@ def manuals_have_no_warnings(build, folder):
 
 
 OURS = ["origin_2026-11-21_5_23_54_0.bmp", "dithered_2026-1-1_0_0_0_1.bmp",
-        "tarvo-20261121093000.bin"]
+        "tarvo-20261121093000.bin",
+        # What a killed job leaves.
+        ".origin_2026-11-21_5_23_54_0.bmp-AbC1xZ", ".dithered_2026-1-1_0_0_0_1.bmp-0-_.~a"]
 OTHERS = [".hidden", ".bmp", "o", "or", "origin", "origin_", "origin.bmp", "origin_1.bmp.tmp",
           "Origin_1.bmp", "origami.bmp", "dither.bmp", "dithered_1", "tarvo", "tarvo.bin", "tarvo-1",
           "tarvo-label.bin", "0a1b2c3d4e5f", "gs_AbCdEf", "foomatic-abcdef", "label.bmp", "x.bin",
-          "bin", "bmp", "cups-dbus-notifier-lockfile"]
+          "bin", "bmp", "cups-dbus-notifier-lockfile", ".origin_1.bmp", ".origin_1.bmp-AbC1x",
+          ".origin_1.bmp-AbC1xZ2", ".tarvo-20261121093000.bin", ".tarvo-1.bmp-AbC1xZ"]
+
+
+def neighbours(name, wrong):
+    """The name with a letter changed, for each letter that is to be right; wrong fits nowhere."""
+    return [name[:i] + wrong + name[i + 1:] for i in range(len(name)) if name[i] not in "1X"]
+
+
+# One letter is all that keeps these from being ours.
+OTHERS += [name for ours in ("origin_1.bmp", ".origin_1.bmp-XXXXXX") for name in neighbours(ours, "q")]
+# And of these, all that there is to them is right.
+OTHERS += [".origin"[:length] for length in range(2, 8)]
 
 
 def fill(tmp):
@@ -203,15 +219,18 @@ def tidies_only_our_names(build, folder):
 def prints_in_a_queue(build, folder):
     """A print server that has only the unpacked package lists the models and prints with each."""
     root = unpack(build, os.path.join(folder, "root"))
-    with PackagedCups(os.path.join(folder, "cups"), root) as cups:
+    with PackagedCups(root) as cups:
         listed = [line.split(" ")[0] for line in cups.run("lpinfo", "-m").splitlines()
                   if "tarvo" in line]
         uris = [f"drv:///tarvo.drv/{model}" for model in MODELS]
         expect(sorted(listed) == uris, f"lpinfo -m lists {listed}")
         for number, uri in enumerate(uris):
-            out = cups.make_device(f"out{number}.tspl")
-            cups.run("lpadmin", "-p", f"q{number}", "-E", "-v", "file://" + out, "-m", uri)
-            cups.print(f"q{number}", os.path.join(SOURCE, "LICENSE"))
+            out = os.path.join(folder, f"out{number}.tspl")
+            with Printer() as printer, open(out, "wb") as file:
+                cups.run("lpadmin", "-p", f"q{number}", "-E", "-v", printer.uri, "-m", uri)
+                cups.print(f"q{number}", os.path.join(SOURCE, "LICENSE"))
+                expect(printer.wait(lambda p: p.jobs), f"{uri}: nothing came")
+                file.write(printer.jobs[0])
             pages = run(os.path.join(root, "usr/bin/tsplview"), out)
             print(uri, pages.splitlines()[0], sep="\n  ")
             expect(pages.startswith("page 1: ") and ", 1 copy" in pages, f"{uri} gives {pages}")
@@ -237,12 +256,38 @@ def leaves_nothing_behind(build, folder):
     run(*dpkg, "--install", package(build), env=env)
     for name in expected_files():
         expect(os.path.exists(os.path.join(root, name)), f"{name} was not installed")
+    # Over itself, as by an upgrade.
+    run(*dpkg, "--install", package(build), env=env)
+    check_left(tmp, set(OURS))
     run(*dpkg, "--remove", NAME, env=env)
     expect("tarvo" not in run(*dpkg[:2], "--list", env=env), "dpkg still knows it")
     left = [os.path.join(where, name) for where, _, names in os.walk(root) for name in names
             if not where.startswith((admin, tmp))]
     expect(not left, f"left behind: {left}")
     check_left(tmp, set())
+
+
+def keeps_pages_on_an_upgrade(_, folder):
+    """Only a removal takes away what printing left: not an upgrade, nor its steps when it fails."""
+    for number, (arguments, left) in enumerate((
+            (["upgrade", "9.9"], OURS), (["failed-upgrade", "9.9"], OURS),
+            (["deconfigure", "in-favour", "other", "1"], OURS), (["remove"], []),
+            (["remove", "in-favour", "other", "1"], []))):
+        root = os.path.join(folder, str(number))
+        tmp = os.path.join(root, "var/spool/cups/tmp")
+        fill(tmp)
+        # Without a number, which all of ours have, and what is no file.
+        others = {name.replace("_2026", "_x2026").replace("tarvo-2026", "tarvo-x2026")
+                  for name in OURS}
+        for name in others:
+            with open(os.path.join(tmp, name), "w", encoding="utf-8"):
+                pass
+        os.mkdir(os.path.join(tmp, "origin_1.bmp"))
+        run(os.path.join(SOURCE, "package/prerm"), *arguments, env=dict(os.environ, DPKG_ROOT=root))
+        print(" ".join(arguments))
+        check_left(tmp, others | {"origin_1.bmp"} | set(left))
+    # A system without CUPS's folder.
+    run(os.path.join(SOURCE, "package/prerm"), "remove", env=dict(os.environ, DPKG_ROOT=folder))
 
 
 def follows_prefix_and_destdir(build, folder):
@@ -281,7 +326,7 @@ def follows_prefix_and_destdir(build, folder):
 STEPS = {step.__name__: step for step in (
     is_made, is_the_same_again, pleases_lintian, holds_what_it_should, is_hardened,
     manuals_have_no_warnings, tidies_only_our_names, prints_in_a_queue, leaves_nothing_behind,
-    follows_prefix_and_destdir)}
+    keeps_pages_on_an_upgrade, follows_prefix_and_destdir)}
 
 
 def main(arguments):

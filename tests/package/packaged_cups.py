@@ -7,31 +7,32 @@ import sys
 import time
 
 sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tools"))
-from private_cups import (client_environment, configure, cupsd_command, free_port, install_filter,
-                          lay_out)  # found by the line above
+from private_cups import (client_environment, configure, cupsd_command, install_filter, lay_out,
+                          make_folder, start_guardian)  # found by the line above
 
 os.environ["PATH"] += ":/usr/sbin:/sbin"
 
 
 class PackagedCups:
-    """Runs in `folder` as long as it is entered. Of models it has those of the package alone."""
+    """Runs as long as it is entered. Of models it has those of the package alone."""
 
-    def __init__(self, folder, package_root):
-        self.folder = folder
+    def __init__(self, package_root):
+        self.folder = make_folder("tarvo-package-")
+        self._guardian = start_guardian(self.folder)
         self.server = None
-        os.makedirs(self._path("out"))
         programs = glob.glob(f"{package_root}/usr/lib/cups/filter/*")
         data = f"{package_root}/usr/share/cups"
-        lay_out(folder, [os.path.basename(program) for program in programs],
+        lay_out(self.folder, [os.path.basename(program) for program in programs],
                 glob.glob(f"{data}/drv/*"), glob.glob(f"{data}/mime/*"))
         for program in programs:
-            install_filter(folder, os.path.basename(program), program)
-        port = free_port()
-        configure(folder, port)
-        self._environment = client_environment(folder, port)
+            install_filter(self.folder, os.path.basename(program), program)
+        configure(self.folder)
+        self._environment = client_environment(self.folder)
 
     def __enter__(self):
         self.server = subprocess.Popen(cupsd_command(self.folder), env=self._environment)
+        self._guardian.write(f"{self.server.pid}\n".encode())
+        self._guardian.flush()
         for _ in range(200):
             if "is running" in self._try("lpstat", "-r").stdout:
                 return self
@@ -46,6 +47,7 @@ class PackagedCups:
         except subprocess.TimeoutExpired:
             self.server.kill()
             self.server.wait()
+        self._guardian.close()
 
     def run(self, *command):
         """Runs a client of the server, which has to succeed, and returns what it wrote."""
@@ -53,14 +55,6 @@ class PackagedCups:
         if result.returncode != 0:
             raise SystemExit(f"FAILED: {' '.join(command)}: {result.stdout}\n" + self._log())
         return result.stdout
-
-    def make_device(self, name):
-        """A file that stands for a printer."""
-        path = self._path(os.path.join("out", name))
-        with open(path, "w", encoding="utf-8"):
-            pass
-        os.chmod(path, 0o666)
-        return path
 
     def print(self, queue, document):
         """Prints and waits until the job has completed."""

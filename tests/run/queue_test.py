@@ -1,14 +1,21 @@
 """./run --queue: documents through a CUPS of its own, and nothing of it left behind."""
 import os
 import re
+import shutil
 import signal
+import stat
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
 
 ROOT = os.environ["TARVO_ROOT"]
 RUN = os.path.join(ROOT, "run")
+sys.path.append(os.path.join(ROOT, "tests/spooler"))
+from intruder import (as_another, can_become_another, listening_paths_of, open_to_others,
+                      ports_of)  # found by the line above
+
 PAGE = ("%!PS\n<</PageSize[288 432]>>setpagedevice "
         "1 1 {} {{ 72 mul 0 exch 288 10 rectfill showpage }} for\n")
 
@@ -39,22 +46,26 @@ class QueueTest(unittest.TestCase):
 
     def print(self, *arguments, queue=True):
         return subprocess.run([RUN, *["--queue"] * queue, "--out", self.out, *arguments],
-                              env=self.environment, text=True, capture_output=True, timeout=25)
+                              env=self.environment, text=True, capture_output=True, timeout=25,
+                              umask=0o022)
 
-    def left(self):
-        """The command lines of processes that were started and still run."""
+    def started(self):
+        """The processes that were started and still run: their command lines by their ids."""
         mark = os.fsencode(self.temporary)
-        found = []
+        found = {}
         for name in filter(str.isdigit, os.listdir("/proc")):
             try:
                 with open(f"/proc/{name}/cmdline", "rb") as command, \
                         open(f"/proc/{name}/environ", "rb") as environment:
                     words = command.read()
                     if mark in words or mark in environment.read():
-                        found.append(words.replace(b"\0", b" ").decode(errors="replace"))
+                        found[int(name)] = words.replace(b"\0", b" ").decode(errors="replace")
             except OSError:
                 pass  # it has ended meanwhile
         return found
+
+    def left(self):
+        return list(self.started().values())
 
     def assert_nothing_is_left(self):
         limit = time.monotonic() + 10
@@ -109,6 +120,52 @@ class QueueTest(unittest.TestCase):
         self.assertTrue(self.read("good-1.png").startswith(b"\x89PNG"))
         self.assertFalse(os.path.exists(os.path.join(self.out, "broken-1.png")))
         self.assert_nothing_is_left()
+
+    def test_nobody_else_reaches_it(self):
+        os.mkdir(self.out)
+        # Without ./run before it, whose mask it has otherwise.
+        process = subprocess.Popen(
+            [os.path.join(ROOT, "tools/queue"), os.environ["TARVO_BUILD"], self.out, "two",
+             "label-203dpi", self.pdf("two.pdf", 2), ""], env=self.environment, text=True,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, umask=0o022)
+        with self.subTest("its process waits, the CUPS does not"):
+            self.assertTrue(any(said.startswith("Queue") for said in process.stdout))
+            process.send_signal(signal.SIGSTOP)
+            (cupsd, command), = ((number, words) for number, words in self.started().items()
+                                 if words.startswith("cupsd "))
+            folder = re.search(r" -c (\S+)/etc/cupsd.conf ", command)[1]
+            socket = f"{folder}/socket/cups.sock"
+            self.assertEqual(ports_of(cupsd), [])
+            self.assertEqual(listening_paths_of(cupsd), [socket])
+            self.assertEqual(open_to_others(folder, 0o002), [])
+            readable = {path.partition("/")[0] for path in open_to_others(folder, 0o004)}
+            self.assertEqual(readable - {"bin", "data", "etc", "cache", "run"}, set())
+            target = self.write("target", "the owner's\n")
+            if can_become_another():
+                for attempt in (["lpstat", "-v"], ["lpadmin", "-p", "thief", "-E", "-m", "raw", "-v",
+                                                   f"file://{target}"]):
+                    done = as_another(*attempt, environment=dict(os.environ, CUPS_SERVER=socket))
+                    self.assertNotEqual(done.returncode, 0, done.stdout)
+                    self.assertNotIn("label-203dpi", done.stdout)
+        process.send_signal(signal.SIGCONT)
+        said, error = process.communicate(timeout=30)
+        self.assertEqual(process.returncode, 0, said + error)
+
+    def test_what_is_printed_is_for_its_owner_alone(self):
+        document = self.pdf("two.pdf", 2)
+        for queue in (True, False):
+            for old in (False, True):
+                with self.subTest(queue=queue, old=old):
+                    if old:  # readable by all, as somebody made them
+                        for name in os.listdir(self.out):
+                            os.chmod(os.path.join(self.out, name), 0o666)
+                    result = self.print(document, queue=queue)
+                    self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+                    names = os.listdir(self.out)
+                    self.assertEqual(sorted(names), ["two-1.png", "two-2.png", "two.log", "two.tspl"])
+                    for path in [self.out] + [os.path.join(self.out, name) for name in names]:
+                        self.assertEqual(stat.S_IMODE(os.stat(path).st_mode) & 0o077, 0, path)
+            shutil.rmtree(self.out)
 
     def test_nothing_is_left_when_it_is_ended(self):
         document = self.pdf("many.pdf", 30)

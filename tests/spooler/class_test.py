@@ -62,8 +62,9 @@ class Test(SpoolerCase):
     def test_a_class_is_shared_with_another_computer(self):
         there = self.spooler
         here = self.start_spooler()
+        here.own_backend("ipp")
         here.run("lpadmin", "-p", "shipping", "-E", "-m", "everywhere",
-                 "-v", f"ipp://127.0.0.1:{there.port}/classes/shipping")
+                 "-v", there.uri("/classes/shipping"))
         number = here.print("shipping", documents.pdf(self.path("label.pdf"), 40, 30,
                                                       documents.box(5, 5, 20, 10)))
         self.assertEqual(here.wait(number)["state"], "completed")

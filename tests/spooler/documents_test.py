@@ -13,8 +13,9 @@ MM203 = 203 / 25.4
 
 # Keeps what the filter gets, and prints with the filter.
 RECORDING = """#!/bin/sh
-printf %s "$5" >{folder}/options
-tee {folder}/raster | LD_PRELOAD=$CUPS_SERVERBIN/ours/redirect.so TARVO_TEST_FOLDER={folder} \\
+dumps=${CUPS_SERVERROOT%/etc}/dumps
+printf %s "$5" >"$dumps/options"
+tee "$dumps/raster" | LD_PRELOAD=$CUPS_SERVERBIN/ours/redirect.so TARVO_TEST_FOLDER=$dumps \\
   ASAN_OPTIONS=verify_asan_link_order=0 "$CUPS_SERVERBIN/ours/rastertotarvo" "$@"
 """
 
@@ -94,10 +95,8 @@ class Test(SpoolerCase):
                     self.assertEqual(self.spooler.page_log(self.number), [("total", str(pages * 3))])
 
     def test_the_bytes_are_those_of_the_filter(self):
-        self.start_spooler(filters={"rastertotarvo": RECORDING.format(folder=self.folder)})
-        os.chmod(self.folder, 0o777)
-        os.mkdir(self.path("spool"), 0o777)
-        os.chmod(self.path("spool"), 0o777)
+        self.start_spooler(filters={"rastertotarvo": RECORDING})
+        os.mkdir(self.path("spool"))
         printer = self.start_queue()
         document = self.label(documents.box(10, 20, 30, 5) + documents.text(10, 60, 12, "Text"),
                               documents.box(0, 0, 101.6, 152.4))
@@ -105,11 +104,10 @@ class Test(SpoolerCase):
                         ("HalftoneType=Tattoo", "NegativeImage", "Origin=Rotation180")):
             with self.subTest(options):
                 self.print(printer, document, *options)
-                with open(self.path("options"), encoding="utf-8") as file:
-                    text = file.read()
+                text = self.spooler.read("dumps/options")
                 for option in options:
                     self.assertIn(option, text)
-                with open(self.path("raster"), "rb") as raster:
+                with open(self.spooler.path("dumps/raster"), "rb") as raster:
                     own = subprocess.run(
                         [f"{BUILD}/filter/rastertotarvo", "1", "user", "title", "1", text],
                         stdin=raster, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True,

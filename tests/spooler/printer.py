@@ -4,6 +4,13 @@ import threading
 import time
 
 
+def free_port():
+    """A loopback port that nobody listens on."""
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
 class Printer:
     """Listens on a loopback port; each connection is a job. Use it in a with statement.
 

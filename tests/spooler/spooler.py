@@ -1,4 +1,4 @@
-"""A CUPS of a test's own: its folders, its port, our filters and models. Never the system's.
+"""A CUPS of a test's own: its folders, its socket, our filters and models. Never the system's.
 
 Environment: TARVO_BUILD_DIR, the build folder with the filters, the PPD files and tsplview;
 TARVO_SOURCE_DIR, the root of the sources.
@@ -6,17 +6,16 @@ TARVO_SOURCE_DIR, the root of the sources.
 import os
 import re
 import shutil
-import socket
 import subprocess
 import sys
-import tempfile
 import time
 
 BUILD = os.environ["TARVO_BUILD_DIR"]
 SOURCE = os.environ["TARVO_SOURCE_DIR"]
 sys.path.insert(0, f"{SOURCE}/tools")
-from private_cups import (client_environment, configure, cupsd_command, filters_of, free_port,
-                          lay_out, start_guardian)  # found by the line above
+from private_cups import (answers, client_environment, configure, cupsd_command, filters_of,
+                          give_to_filters, lay_out, make_folder, start_guardian,
+                          uri_of)  # found by the line above
 
 LABEL203 = f"{BUILD}/ppd/tarvo-label-203dpi.ppd"
 LABEL300 = f"{BUILD}/ppd/tarvo-label-300dpi.ppd"
@@ -60,13 +59,12 @@ class Spooler:
     """
 
     def __init__(self, filters=None, error_policy="abort-job", kill_delay=10):
-        self.folder = tempfile.mkdtemp(prefix="tarvo-spooler-")
+        self.folder = make_folder("tarvo-spooler-")
         self._daemon = None
         self._guardian = start_guardian(self.folder)
         try:
-            self.port = free_port()
             self._lay_out(filters or {})
-            configure(self.folder, self.port, error_policy, kill_delay)
+            configure(self.folder, error_policy, kill_delay)
             self._start()
         except BaseException:
             self.stop()
@@ -95,10 +93,10 @@ class Spooler:
 
     def _lay_out(self, stand_ins):
         lay_out(self.folder, FILTERS)
-        for name in ("bin/ours", "dumps/spool"):
-            os.makedirs(self.path(name))
+        os.mkdir(self.path("bin/ours"))
+        os.chmod(self.path("bin/ours"), 0o755)
         for name in ("dumps", "dumps/spool"):
-            os.chmod(self.path(name), 0o777)
+            give_to_filters(self.path(name))
         shutil.copy(PRELOAD, self.path("bin/ours/redirect.so"))
         for name, original in FILTERS.items():
             shutil.copy(original, self.path("bin/ours/" + name))
@@ -112,7 +110,7 @@ class Spooler:
         os.chmod(target, 0o755)
 
     def _start(self):
-        self.environment = client_environment(self.folder, self.port)
+        self.environment = client_environment(self.folder)
         with open(self.path("log/console"), "w", encoding="utf-8") as console:
             self._daemon = subprocess.Popen(
                 cupsd_command(self.folder),
@@ -123,15 +121,22 @@ class Spooler:
         while time.monotonic() < limit:
             if self._daemon.poll() is not None:
                 break
-            try:
-                socket.create_connection(("127.0.0.1", self.port), 1).close()
+            if answers(self.folder):
                 return
-            except OSError:
-                time.sleep(0.02)
+            time.sleep(0.02)
         raise RuntimeError("cupsd does not start:\n" + self.read("log/console") +
                            self.read("log/error_log"))
 
     # Using it
+
+    def uri(self, path):
+        """The address of a queue, a class or a job, such as /jobs/1."""
+        return uri_of(self.folder, path)
+
+    @property
+    def process(self):
+        """The id of the cupsd's process."""
+        return self._daemon.pid
 
     def run(self, *command, check=True):
         """Runs a client, such as lp, for this CUPS. Its standard output, and error after it."""
@@ -147,6 +152,17 @@ class Spooler:
                 return file.read()
         except OSError:
             return ""
+
+    def own_backend(self, name):
+        """Has a backend started as the spooler's own user: it may then reach another spooler's socket,
+        which the user of the filters may not."""
+        backends = self.path("bin/backend")
+        theirs = os.path.realpath(backends)
+        os.unlink(backends)
+        os.mkdir(backends)
+        os.chmod(backends, 0o755)
+        shutil.copy(f"{theirs}/{name}", backends)
+        os.chmod(f"{backends}/{name}", 0o700)
 
     def add_queue(self, name, ppd, uri, *options):
         """options: Option=Choice, the queue's own defaults."""
@@ -178,8 +194,7 @@ class Spooler:
   DISPLAY job-printer-uri
 }
 """)
-        answer = self.run("ipptool", "-tv", f"ipp://127.0.0.1:{self.port}/jobs/{number}", test,
-                          check=False)
+        answer = self.run("ipptool", "-tv", self.uri(f"/jobs/{number}"), test, check=False)
         return dict(re.findall(r"^ +([a-z-]+) \([^)]*\) = (.*)$", answer, re.M))
 
     def wait(self, number, states=FINAL_STATES, seconds=40):

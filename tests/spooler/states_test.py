@@ -8,7 +8,8 @@ import unittest
 import documents
 import stream
 from case import SpoolerCase
-from spooler import LABEL203, LABEL300, free_port
+from printer import free_port
+from spooler import LABEL203, LABEL300
 
 
 class Test(SpoolerCase):

@@ -90,8 +90,8 @@ TEST(LargestSheet, EverySizeFitsOnItOneWayOrTheOther) {
       {"a maximum without custom sizes",
        PpdText()
            .pageSize("4x6", 288, 432)
-           .attribute("MaxMediaWidth", "", "900")
-           .attribute("MaxMediaHeight", "", "900")
+           .line("*VariablePaperSize: False\n*ParamCustomPageSize Width: 1 points 36 900\n"
+                 "*ParamCustomPageSize Height: 2 points 36 900")
            .text(),
        "288.00 x 432.00"},
       {"a size without length", PpdText().pageSize("odd", 500, 0).text(), "0.0000 x 0.0000"},

@@ -316,6 +316,15 @@ class RunningFilter : public testing::Test {
     ASSERT_EQ(write(in_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
   }
 
+  /// Feeds it more than pipes hold, until it ends.
+  std::thread feedAside() const {
+    return std::thread([this] {
+      const std::string raster = support::rasterFile({grayPage(800, 500, Drawing::Random)});
+      signal(SIGPIPE, SIG_IGN);
+      [[maybe_unused]] const ssize_t count = write(in_, raster.data(), raster.size());
+    });
+  }
+
   /// Waits until it has read its input and waits itself, or has ended.
   void settle() const {
     std::string stat;
@@ -426,11 +435,7 @@ TEST_F(RunningFilter, CancelledWhileItWaitsForInputItEndsAtOnce) {
 
 TEST_F(RunningFilter, CancelledWhileNobodyReadsItEndsAtOnce) {
   start();
-  std::thread feeder([this] {
-    const std::string raster = support::rasterFile({grayPage(800, 500, Drawing::Random)});
-    signal(SIGPIPE, SIG_IGN);
-    [[maybe_unused]] const ssize_t count = write(in_, raster.data(), raster.size());
-  });
+  std::thread feeder = feedAside();
   settle();
   kill(child_, SIGTERM);
   EXPECT_EQ(end(), 0);
@@ -441,11 +446,7 @@ TEST_F(RunningFilter, CancelledWhileNobodyReadsItEndsAtOnce) {
 TEST_F(RunningFilter, CancelledAfterAPartWasReadItEndsAtOnce) {
   for (const std::size_t taken : {std::size_t{5000}, std::size_t{40000}}) {
     start();
-    std::thread feeder([this] {
-      const std::string raster = support::rasterFile({grayPage(800, 500, Drawing::Random)});
-      signal(SIGPIPE, SIG_IGN);
-      [[maybe_unused]] const ssize_t count = write(in_, raster.data(), raster.size());
-    });
+    std::thread feeder = feedAside();
     settle();
     std::string some(taken, '\0');
     for (std::size_t left = taken; left > 0;) {

@@ -7,28 +7,22 @@
 // Plain C inside: this code runs before anything else in the process.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/auxv.h>
 #include <sys/syscall.h>
-#include <sys/types.h>
 #include <unistd.h>
+
+#include "library_calls.h"
 
 namespace {
 
-template <typename Function>
-Function* next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-using Open = int(const char*, int, ...);
-using OpenAt = int(int, const char*, int, ...);
-using FOpen = FILE*(const char*, const char*);
+using support::FOpen;
+using support::next;
+using support::Open;
+using support::OpenAt;
 using MakeTemporary = int(char*);
 using MakeTemporaryWith = int(char*, int);
-
-bool needsMode(int flags) { return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE; }
 
 /// Whether the code at `address` is the program's own.
 bool isOfTheProgram(const void* address) {
@@ -56,16 +50,6 @@ FILE* witnessed(FILE* file, const char* path, const void* caller) {
 }
 
 }  // namespace
-
-// The C library declares these with attributes of its own, hence the mode by hand.
-#define TARVO_MODE_OF(flags)          \
-  mode_t mode = 0;                    \
-  if (needsMode(flags)) {             \
-    va_list arguments;                \
-    va_start(arguments, flags);       \
-    mode = va_arg(arguments, mode_t); \
-    va_end(arguments);                \
-  }
 
 #define TARVO_OPEN(name)                                                                       \
   int name(const char* path, int flags, ...) {                                                 \

@@ -1,7 +1,7 @@
 // rastertoaligned: a CUPS filter that stands before rastertotarvo. It passes raster pages on with
 // rows of a multiple of 8 dots in the K colour space, which that filter prints straight, and tells
-// the spooler how far the job is. It holds one row of the page.
-#include <fcntl.h>
+// the spooler how far the job is. What is too large for any printer it refuses. It holds one row of
+// the page.
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,13 +12,17 @@
 #include <new>
 
 #include "align/page_alignment.h"
+#include "align/page_limits.h"
 #include "align/page_report.h"
 #include "align/raster_stream.h"
 #include "common/enumeration.h"
+#include "common/job_file.h"
 #include "common/no_memory.h"
 #include "common/standard_streams.h"
 #include "common/termination.h"
 #include "common/text.h"
+#include "ppd/ppd_file.h"
+#include "ppd/ppd_sheet.h"
 
 namespace {
 
@@ -27,26 +31,6 @@ enum class Outcome {
   kGoesOn,
   kEnds,   ///< cancelled, or nothing more to do
   kFails,  ///< said why
-};
-
-/// The file of the job, or standard input, which stays open.
-class InputFile {
- public:
-  InputFile() = default;
-  ~InputFile() {
-    if (descriptor_ > STDIN_FILENO) close(descriptor_);
-  }
-  InputFile(const InputFile&) = delete;
-  InputFile& operator=(const InputFile&) = delete;
-
-  bool open(const char* path) {
-    descriptor_ = ::open(path, O_RDONLY | O_CLOEXEC);
-    return descriptor_ >= 0;
-  }
-  int descriptor() const { return descriptor_; }
-
- private:
-  int descriptor_ = STDIN_FILENO;
 };
 
 std::uint64_t countRows(const cups_page_header2_t& header) {
@@ -104,10 +88,12 @@ Outcome endPage(const RasterReader& reader, RasterWriter& writer, const PageAlig
   return Outcome::kFails;
 }
 
-Outcome passPage(RasterReader& reader, RasterWriter& writer, const cups_page_header2_t& header,
-                 unsigned page) {
-  const PageAlignment alignment(header);
+Outcome passPage(RasterReader& reader, RasterWriter& writer, const PageLimits& limits,
+                 cups_page_header2_t header, unsigned page) {
   const std::uint64_t rows = countRows(header);
+  if (!limits.admit(page, header, rows)) return Outcome::kFails;
+  header.NumCopies = limitCopies(page, header.NumCopies);
+  const PageAlignment alignment(header);
   const std::unique_ptr<std::uint8_t[]> from = makeRow(header);
   const std::unique_ptr<std::uint8_t[]> to = makeRow(alignment.header());
 
@@ -140,7 +126,7 @@ Outcome endPages(const RasterReader& reader, unsigned page) {
   return Outcome::kEnds;
 }
 
-Outcome passPages(RasterReader& reader, RasterWriter& writer) {
+Outcome passPages(RasterReader& reader, RasterWriter& writer, const PageLimits& limits) {
   if (!writer.open()) return failedToWrite(writer);
   if (!reader.open()) {
     if (!reader.hasBytes() || reader.error() != 0) return endPages(reader, 1);
@@ -150,17 +136,17 @@ Outcome passPages(RasterReader& reader, RasterWriter& writer) {
   cups_page_header2_t header{};
   unsigned page = 1;
   for (; reader.readHeader(header); ++page) {
-    const Outcome outcome = passPage(reader, writer, header, page);
+    const Outcome outcome = passPage(reader, writer, limits, header, page);
     if (outcome != Outcome::kGoesOn) return outcome;
   }
   return endPages(reader, page);
 }
 
 /// Whatever ends the job, the rows that came go on.
-Outcome passJob(RasterReader& reader, RasterWriter& writer) {
+Outcome passJob(RasterReader& reader, RasterWriter& writer, const PageLimits& limits) {
   Outcome outcome = Outcome::kFails;
   try {
-    outcome = passPages(reader, writer);
+    outcome = passPages(reader, writer, limits);
   } catch (const std::bad_alloc&) {
     std::fprintf(stderr, "ERROR: Out of memory.\n");
   }
@@ -179,12 +165,13 @@ int main(int argc, char* argv[]) {
     std::fprintf(stderr, "Usage: %s job-id user title copies options [file]\n", name);
     return 1;
   }
-  InputFile input;
+  JobFile input;
   if (argc > 6 && !input.open(argv[6])) {
     std::fprintf(stderr, "ERROR: Unable to open \"%s\": %s.\n", argv[6], std::strerror(errno));
     return 1;
   }
+  const PageLimits limits(tarvoPpdLargestSheet(tarvoOpenQueuePpd().get()));
   RasterReader reader(input.descriptor());
   RasterWriter writer(STDOUT_FILENO);
-  return passJob(reader, writer) == Outcome::kFails ? 1 : 0;
+  return passJob(reader, writer, limits) == Outcome::kFails ? 1 : 0;
 }

@@ -1,15 +1,12 @@
 #include "filter/raster_input.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include "common/enumeration.h"
 #include "common/termination.h"
 
 namespace {
 
-ssize_t readRaster(void* descriptor, unsigned char* bytes, std::size_t size) {
-  return tarvoReadUnlessTerminated(*static_cast<const int*>(descriptor), bytes, size);
+ssize_t readRaster(void* file, unsigned char* bytes, std::size_t size) {
+  return tarvoReadUnlessTerminated(static_cast<const JobFile*>(file)->descriptor(), bytes, size);
 }
 
 /// Whether libcups counts all rows of the page. Where each colour is a plane of its own it counts
@@ -24,17 +21,9 @@ bool countsAllRows(const cups_page_header2_t& header) {
 
 RasterInput::~RasterInput() {
   if (raster_ != nullptr) cupsRasterClose(raster_);
-  if (descriptor_ > 0) close(descriptor_);
 }
 
-bool RasterInput::openFile(const char* path) {
-  descriptor_ = open(path, O_RDONLY);
-  return descriptor_ != -1;
-}
-
-void RasterInput::openRaster() {
-  raster_ = cupsRasterOpenIO(readRaster, &descriptor_, CUPS_RASTER_READ);
-}
+void RasterInput::openRaster() { raster_ = cupsRasterOpenIO(readRaster, &file_, CUPS_RASTER_READ); }
 
 bool RasterInput::readHeader(cups_page_header2_t& header) {
   if (raster_ == nullptr || cupsRasterReadHeader2(raster_, &header) == 0) return false;

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 
+#include "common/job_file.h"
+
 /// Reads pages from a file or from standard input, one after another. SIGTERM ends the input, as
 /// soon as it comes.
 class RasterInput {
@@ -20,7 +22,7 @@ class RasterInput {
   RasterInput& operator=(const RasterInput&) = delete;
 
   /// Reads from the file at `path` instead of standard input. False when it can't be opened.
-  bool openFile(const char* path);
+  bool openFile(const char* path) { return file_.open(path); }
 
   /// Opens the raster stream. When it is none, the first readHeader fails.
   void openRaster();
@@ -33,7 +35,7 @@ class RasterInput {
   bool readPixels(unsigned char* pixels, std::uint32_t size);
 
  private:
-  int descriptor_ = 0;
+  JobFile file_;
   bool hasAllRows_ = false;  ///< of the page whose header was read last
   cups_raster_t* raster_ = nullptr;
 };

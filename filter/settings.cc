@@ -3,12 +3,11 @@
 #include <cups/cups.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <memory>
 
 #include "common/log.h"
 #include "common/text.h"
+#include "ppd/ppd_file.h"
 #include "ppd/ppd_option.h"
 
 namespace {
@@ -16,15 +15,9 @@ namespace {
 /// Millimetres per point, rounded; kept as it is. Quirk: rounded-points.
 constexpr double kMillimetresPerPoint = 0.3528;
 
-struct PpdCloser {
-  void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
-using PpdOwner = std::unique_ptr<ppd_file_t, PpdCloser>;
-
 /// The PPD with its defaults and the job's options marked; null when there is none.
 PpdOwner openMarkedPpd(const char* optionsText) {
-  const char* path = std::getenv("PPD");
-  PpdOwner ppd(path != nullptr ? ppdOpenFile(path) : nullptr);
+  PpdOwner ppd = tarvoOpenQueuePpd();
   ppdMarkDefaults(ppd.get());
 
   cups_option_t* options = nullptr;

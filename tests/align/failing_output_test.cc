@@ -102,8 +102,8 @@ TEST(FailingOutput, RowThatDoesNotFitInMemoryIsSaid) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "the sanitizer ends a process that has no memory";
 #endif
-  support::Page page{support::grayHeader(16, 1), {}};
-  page.header.cupsWidth = page.header.cupsBytesPerLine = 1U << 30U;
+  // 200 MiB for the row that comes and as many for the one that goes on.
+  const support::Page page{support::grayHeader(200U << 20U, 1), {}};
   support::Program program = alignProgram(support::uncheckedRasterFile({page}));
   program.addressSpaceLimitBytes = 256ULL << 20U;
   const support::Outcome outcome = support::run(program);

@@ -316,6 +316,15 @@ class RunningFilter : public testing::Test {
     ASSERT_EQ(write(in_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
   }
 
+  /// Feeds it more than pipes hold, until it ends.
+  std::thread feedAside() const {
+    return std::thread([this] {
+      const std::string raster = support::rasterFile({grayPage(800, 500, Drawing::Random)});
+      signal(SIGPIPE, SIG_IGN);
+      [[maybe_unused]] const ssize_t count = write(in_, raster.data(), raster.size());
+    });
+  }
+
   /// Waits until it has read its input and waits itself, or has ended.
   void settle() const {
     std::string stat;
@@ -325,9 +334,9 @@ class RunningFilter : public testing::Test {
     } while (stat.find(") R ") != std::string::npos || stat.find(") D ") != std::string::npos);
   }
 
-  /// Its end as waitpid has it; -1 when it did not end within two seconds.
+  /// Its end as waitpid has it; -1 when it does not end at all.
   int end() {
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 15000; ++i) {
       int status = 0;
       if (waitpid(child_, &status, WNOHANG) == child_) return status;
       std::this_thread::sleep_for(2ms);
@@ -426,15 +435,32 @@ TEST_F(RunningFilter, CancelledWhileItWaitsForInputItEndsAtOnce) {
 
 TEST_F(RunningFilter, CancelledWhileNobodyReadsItEndsAtOnce) {
   start();
-  std::thread feeder([this] {
-    const std::string raster = support::rasterFile({grayPage(800, 500, Drawing::Random)});
-    signal(SIGPIPE, SIG_IGN);
-    [[maybe_unused]] const ssize_t count = write(in_, raster.data(), raster.size());
-  });
+  std::thread feeder = feedAside();
   settle();
   kill(child_, SIGTERM);
   EXPECT_EQ(end(), 0);
   feeder.join();
+}
+
+// The next filter took some of it and stopped: there is room for a part of what is to be written.
+TEST_F(RunningFilter, CancelledAfterAPartWasReadItEndsAtOnce) {
+  for (const std::size_t taken : {std::size_t{5000}, std::size_t{40000}}) {
+    start();
+    std::thread feeder = feedAside();
+    settle();
+    std::string some(taken, '\0');
+    for (std::size_t left = taken; left > 0;) {
+      const ssize_t count = read(out_, some.data(), left);
+      ASSERT_GT(count, 0);
+      left -= static_cast<std::size_t>(count);
+    }
+    settle();
+    kill(child_, SIGTERM);
+    const int status = end();
+    feeder.join();
+    ASSERT_EQ(status, 0) << taken;
+    if (taken == 5000) TearDown();
+  }
 }
 
 TEST_F(RunningFilter, NobodyLeftToReadEndsIt) {

@@ -1,10 +1,11 @@
-// Reading and writing that only SIGTERM interrupts. Here it comes before they begin, if at all:
-// whole jobs that are cancelled have tests of their own.
+// Reading and writing that only SIGTERM interrupts: whole jobs that are cancelled have tests of
+// their own.
 #include "common/termination.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,7 +13,11 @@
 #include <string>
 #include <thread>
 
+#include "support/folder.h"
+
 namespace {
+
+using namespace std::chrono_literals;
 
 /// Both ends of a pipe that takes all that the tests write.
 struct Pipe {
@@ -78,7 +83,7 @@ TEST(ReadAndWrite, OtherSignalsStayBlockedWhileTheyWait) {
   raise(SIGUSR1);  // it would end the test
   Pipe pipe;
   std::thread writer([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::this_thread::sleep_for(20ms);
     EXPECT_EQ(write(pipe.ends[1], "a", 1), 1);
   });
   char byte = 0;
@@ -115,6 +120,56 @@ TEST(ReadAndWrite, OnceTerminatedNeitherBegins) {
   EXPECT_EQ(written, -1);
   EXPECT_EQ(writeError, EINTR);
   EXPECT_EQ(tarvoReadUnlessTerminated(pipe.ends[0], &byte, 1), 1) << "what came before is there";
+}
+
+/// Waits until a child sleeps, in a call that waits, or has ended.
+void settle(pid_t child) {
+  std::string stat;
+  do {
+    std::this_thread::sleep_for(2ms);
+    stat = support::readFile("/proc/" + std::to_string(child) + "/stat").value_or("");
+  } while (stat.find(") R ") != std::string::npos || stat.find(") D ") != std::string::npos);
+}
+
+/// The end of a child as waitpid has it; killed when it does not end at all.
+int endOf(pid_t child) {
+  int status = 0;
+  for (int i = 0; i < 15000; ++i) {
+    if (waitpid(child, &status, WNOHANG) == child) return status;
+    std::this_thread::sleep_for(2ms);
+  }
+  kill(child, SIGKILL);
+  waitpid(child, &status, 0);
+  return status;
+}
+
+// A pipe that has room for some of the bytes is ready: who gives it all of them waits for the
+// reader, and SIGTERM, which is blocked but in the wait, for both.
+TEST(ReadAndWrite, TerminatedWhileAPipeHasTakenAPartTheyEnd) {
+  constexpr int kInterrupted = 42;
+  for (const std::size_t taken : {0U, 1U, 4096U, 5000U, 40000U}) {
+    Pipe pipe;
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      tarvoCatchTermination();
+      const std::string bytes(1000000, 'a');
+      const ssize_t written = tarvoWriteUnlessTerminated(pipe.ends[1], bytes.data(), bytes.size());
+      _exit(written == -1 && errno == EINTR ? kInterrupted : 1);
+    }
+    settle(child);
+    std::string some(taken, '\0');
+    for (std::size_t left = taken; left > 0;) {
+      const ssize_t count = read(pipe.ends[0], some.data(), left);
+      ASSERT_GT(count, 0);
+      left -= static_cast<std::size_t>(count);
+    }
+    settle(child);
+    kill(child, SIGTERM);
+    const int status = endOf(child);
+    ASSERT_TRUE(WIFEXITED(status)) << "hangs after " << taken << " bytes were read";
+    EXPECT_EQ(WEXITSTATUS(status), kInterrupted) << taken;
+  }
 }
 
 }  // namespace

@@ -144,6 +144,7 @@ AlignedRun runAligned(const JobCase& job) {
   static MemoryFile passed;
   passed.set("");
   setRaster(job);
+  setEnvironment(job);
   AlignedRun result{};
   const SignalsKept signals;
   CapturedProcess process(job.surroundings);
@@ -153,6 +154,7 @@ AlignedRun runAligned(const JobCase& job) {
   }
   result.error = process.finish().error;
   result.output = passed.content();
+  require(openPpds() == 0, "leaves a PPD open");
   return result;
 }
 

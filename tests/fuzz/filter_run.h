@@ -22,8 +22,8 @@ struct AlignedRun {
   std::string error;   ///< standard error
 };
 
-/// Passes the job's raster through the filter that stands before. A descriptor that stays open is a
-/// finding.
+/// Passes the job's raster through the filter that stands before, on a queue with its PPD. A
+/// descriptor that stays open is a finding.
 AlignedRun runAligned(const JobCase& job);
 
 /// The PPD of the job that ran last, for libcups to open.

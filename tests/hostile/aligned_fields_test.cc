@@ -1,4 +1,5 @@
-// The same headers on the road that a queue has: by way of rastertoaligned.
+// The same headers on the road that a queue has: by way of rastertoaligned, which lets no page pass
+// that is too large for the model.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -20,14 +21,30 @@ using support::Packing;
 /// cut short.
 constexpr std::size_t kMostBytes = std::size_t{72} << 20U;
 
-Outcome align(const std::string& raster) {
+/// By which a stream of raster is known; pages follow.
+constexpr std::size_t kStreamStartBytes = 4;
+
+/// What rastertoaligned does with the raster on the job's queue.
+Outcome align(const jobs::FilterJob& job, const std::string& raster) {
   support::Program program;
   program.executable = RASTERTOALIGNED;
   program.arguments = {"rastertoaligned", "1", "user", "title", "1", ""};
   program.input = support::PipedBytes{raster};
+  program.environment = {{"PPD", job.ppd()}};
   // The sanitizer can't throw what the lack of memory would.
   if (!jobs::kAddressSanitizer) jobs::limitMemory(program, kAddressSpaceBytes);
   return support::run(program);
+}
+
+/// Whether a page is one that may pass: the model's largest sheet has 4 x 6 inches.
+bool isAdmitted(const cups_page_header2_t& header) {
+  const double width = header.cupsWidth, height = header.cupsHeight;
+  const double acrossDpi = header.HWResolution[0], downDpi = header.HWResolution[1];
+  const auto fits = [&](double acrossInches, double downInches) {
+    return width <= acrossInches * acrossDpi && height <= downInches * downDpi;
+  };
+  return header.NumCopies <= 9999 && height * header.cupsBytesPerLine <= 256.0 * (1U << 20U) &&
+         (acrossDpi == 0 || downDpi == 0 || fits(8, 12) || fits(12, 8));
 }
 
 void expectNoHarm(const Outcome& outcome) {
@@ -41,7 +58,7 @@ void expectNoHarm(const Outcome& outcome) {
 TEST(AlignedFields, NeverHarm) {
   jobs::FilterJob job;
   job.setPpd(jobs::goodPpd().text());
-  int cases = 0;
+  int cases = 0, refusals = 0;
   for (const Field& field : fieldsInUse()) {
     for (const Value& value : valuesOf(field)) {
       const Packing packing = ++cases % 2 == 0 ? Packing::Compressed : Packing::Uncompressed;
@@ -49,9 +66,17 @@ TEST(AlignedFields, NeverHarm) {
       SCOPED_TRACE(field.name + " = " + value.shown);
       cups_page_header2_t header = jobs::goodPage().header;
       set(header, field, value);
-      const Outcome aligned = align(rasterOf(header, packing));
+      const Outcome aligned = align(job, rasterOf(header, packing));
       expectNoHarm(aligned);
       EXPECT_LE(aligned.output.size(), kMostBytes);
+      const bool refused = aligned.error.find("ERROR: Page 1 is too large: ") != std::string::npos;
+      refusals += refused ? 1 : 0;
+      if (refused) {
+        EXPECT_EQ(aligned.output.size(), kStreamStartBytes);
+      }
+      for (const support::Page& page : hostile::pagesOf(aligned.output)) {
+        EXPECT_TRUE(isAdmitted(page.header));
+      }
       if (aligned.status == 1) {
         const auto lines = support::linesOf(jobs::withoutSanitizerLines(aligned.error));
         EXPECT_EQ(lines.back().substr(0, 7), "ERROR: ") << aligned.error;
@@ -66,8 +91,9 @@ TEST(AlignedFields, NeverHarm) {
       EXPECT_FALSE(stream.malformed) << stream.malformed->expected << stream.malformed->found;
     }
   }
-  std::cout << cases << " jobs\n";
+  std::cout << cases << " jobs, " << refusals << " refused\n";
   EXPECT_GT(cases, 200);
+  EXPECT_GT(refusals, 5);
 }
 
 }  // namespace

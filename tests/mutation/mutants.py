@@ -1,4 +1,5 @@
 """The changes that mutation makes to a C++ file: one constant, operator, condition or statement each.
+What it makes of scripts is in scripts.py.
 
 Works on tokens. That the sources are laid out by clang-format is what tells a comparison (blanks on
 both sides) from the bracket of a template, and a product from a pointer.
@@ -10,6 +11,7 @@ TOKEN = re.compile(
     r"""
     (?P<comment>//[^\n]*|/\*.*?\*/)
   | (?P<directive>^[ \t]*\#(?:\\\n|[^\n])*)
+  | (?P<raw>R"(?P<delimiter>[^()\s]*)\(.*?\)(?P=delimiter)")
   | (?P<text>(?:u8|[uUL])?"(?:\\.|[^"\\\n])*")
   | (?P<character>(?:u8|[uUL])?'(?:\\.|[^'\\\n])+')
   | (?P<number>\.?[0-9](?:[eEpP][+-]|'[0-9a-fA-F]|[0-9a-zA-Z_.])*)
@@ -52,7 +54,7 @@ class Mutant:
     before: str   # the changed lines as they are in the file, blanks collapsed; which of equal ones
     after: str    # and as they are in the mutant
     content: str  # all of the mutant
-    kind: str     # what was changed: "constant", "comparison", "operator", "statement"
+    kind: str     # what was changed: "constant", "comparison", "operator", "condition", "statement"
     first: bool   # whether it is the first of those that change this place
 
     @property
@@ -63,7 +65,7 @@ class Mutant:
 
 def tokens_of(content):
     """The tokens of C++ code, without comments, directives, and what is not run."""
-    found = [Token(match.lastgroup, match.group(), match.start(match.lastgroup))
+    found = [Token("text" if match["raw"] else match.lastgroup, match.group(), match.start())
              for match in TOKEN.finditer(content)]
     found = [token for token in found if token.kind not in ("comment", "directive")]
     kept = []
@@ -114,7 +116,7 @@ def changed_number(text):
 
 def changed_text(text):
     """A text, or a character, that differs in its first place."""
-    quote = text.index(text[-1])
+    quote = text.index("(" if text[0] == "R" else text[-1])
     prefix, inner = text[:quote + 1], text[quote + 1:]
     if text[-1] == '"':
         return prefix + ("@" if inner[0] != "@" else "#") + inner
@@ -206,15 +208,15 @@ def collapsed(text):
     return " ".join(text.split())
 
 
-def mutants_of(file, content):
-    """All mutants of a file in the order of its lines, each once."""
+def mutants_of(file, content, edits=edits_of):
+    """All mutants of a file in the order of its lines, each once. `edits`: what changes it."""
     equal = {}
     for number, line in enumerate(content.splitlines(), 1):
         equal.setdefault(collapsed(line), []).append(number)
     seen = set()
     places = set()
     found = []
-    for start, end, replacement, kind in edits_of(content):
+    for start, end, replacement, kind in edits(content):
         first = content.rfind("\n", 0, start) + 1
         last = (content + "\n").find("\n", end)
         line = content.count("\n", 0, start) + 1

@@ -40,6 +40,10 @@ class MutantsTest(unittest.TestCase):
         self.assertEqual(changes(r"auto a = '\'';"), ["auto a = '@';"])
         self.assertEqual(changes("bool a = true;"), ["bool a = false;"])
 
+    def test_a_raw_text_is_one_text_whatever_it_holds(self):
+        self.assertEqual(changes('auto a = R"(1 < "2")";'), ['auto a = R"(@1 < "2")";'])
+        self.assertEqual(changes('auto a = R"x(b)c)x";'), ['auto a = R"x(@b)c)x";'])
+
     def test_what_a_condition_guards_is_left_out(self):
         self.assertEqual(changes("if (a) return b;"), ["if (false && (a)) return b;"])
         self.assertEqual(changes("if (int a = f()) g;"), [])

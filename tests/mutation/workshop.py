@@ -1,7 +1,7 @@
 """A build of its own in which mutants are tried: compiled alone, linked in front of the originals.
 
-Nothing of the working tree is touched, and nothing of the build either, but for the filters,
-which the tests of whole jobs look for in their place: they are put back after each mutant.
+Nothing of the working tree is touched, and nothing of the build either, but for the filters and the
+tools, which the tests that start them look for in their place: they are put back after each mutant.
 """
 import json
 import os
@@ -18,26 +18,36 @@ FLAGS = "-O1 -g0 -DHWY_COMPILE_ONLY_STATIC"
 # the diffusions, so that nothing is left out by luck.
 VECTORS = {"x86_64": " -mssse3"}
 
-FILTERS = {"rastertotarvo": "filter", "rastertoaligned": "align"}  # and the folders they are made in
-# name: its folder; and of those that start the filters' programs, which tests: all that are quick.
+# What tests start, and the folders it is made in.
+STARTED = {"rastertotarvo": "filter", "rastertoaligned": "align", "tsplview": "tools/tsplview",
+           "tsplprinter": "tools/tsplprinter"}
+# name: its folder; and of those that start programs, which, and which of their tests: all that are quick.
 PROGRAMS = {
     "common_test": "common", "ppd_option_test": "common", "filter_test": "filter",
     "printer_test": "printer", "printer_memory_test": "printer", "enhance_test": "enhance",
     "kernels_test": "kernels", "image_test": "image", "result_hashes": "results",
     "page_alignment_test": "align", "rastertoaligned_test": "align", "cancel_test": "cancel",
-    "bad_jobs_test": "jobs", "compared_jobs_test": "jobs",
+    "bad_jobs_test": "jobs", "compared_jobs_test": "jobs", "filter_process_test": "filter",
+    "tspl_test": "tools", "tsplview_test": "tools", "tsplprinter_test": "tools",
 }
 DRIVEN = {
-    "rastertoaligned_test": "*",
-    "cancel_test": "*",
-    "bad_jobs_test": "*-Shares/*:BadInput.Random*",
-    "compared_jobs_test": "*-Jobs/*:RasterJobs.PlainPages:RasterJobs.LinesLongerThanTheWidth",
+    "rastertoaligned_test": (("rastertoaligned", "rastertotarvo"), "*"),
+    "filter_process_test": (("rastertotarvo",), "*"),
+    "cancel_test": (("rastertotarvo",), "*"),
+    "bad_jobs_test": (("rastertotarvo",), "*-Shares/*:BadInput.Random*"),
+    "compared_jobs_test": (("rastertotarvo",),
+                           "*-Jobs/*:RasterJobs.PlainPages:RasterJobs.LinesLongerThanTheWidth"),
+    "tsplview_test": (("tsplview",), "*"),
+    "tsplprinter_test": (("tsplprinter", "tsplview"), "*"),
 }
+TOOLS = {"tspl_test", "tsplview_test", "tsplprinter_test"}
 # What printer and filter share with rastertoaligned is all in common. What becomes of pixels, the
-# recorded results show as well as whole jobs.
+# recorded results show as well as whole jobs. The filters' tests read streams by the tools' reader, but
+# it has tests of its own.
 WITHOUT = {folder: {"rastertoaligned_test"} for folder in ("printer", "filter")} | \
-          {folder: set(DRIVEN) for folder in ("image", "enhance", "kernels")}
-EXTRA_TARGETS = [*FILTERS, "tarvo_test_redirect"]
+          {folder: set(DRIVEN) for folder in ("image", "enhance", "kernels")} | \
+          {"tools": set(PROGRAMS) - TOOLS}
+EXTRA_TARGETS = [*STARTED, "tarvo_test_redirect", "tarvo_test_witness"]
 
 
 class Failed(Exception):
@@ -69,7 +79,7 @@ class Workshop:
 
     def prepare(self):
         """Builds everything unchanged and sees that the tests pass."""
-        for name, folder in FILTERS.items():
+        for name, folder in STARTED.items():
             program = os.path.join(self.build, folder, name)
             if os.path.exists(program):  # a run that was ended may have left a mutant there
                 os.remove(program)
@@ -111,7 +121,7 @@ class Workshop:
             self.source_of[target] = os.path.relpath(source, self.tree)
 
         self.link_of, self.output = {}, {}
-        for name in [*PROGRAMS, *FILTERS]:
+        for name in [*PROGRAMS, *STARTED]:
             command = call("ninja", "-C", self.build, "-t", "commands", name).splitlines()[-1]
             words = shlex.split(command)
             words = words[words.index("&&") + 1:]
@@ -139,7 +149,7 @@ class Workshop:
         """The system's headers, which are most of a compilation, once for each set of definitions."""
         headers = set()
         for source in self.objects_of:
-            if source.startswith(("tools/", "tests/")):
+            if source.startswith("tests/"):
                 continue
             with open(os.path.join(self.tree, source), encoding="utf-8") as file:
                 headers |= set(re.findall(r"^#include <(?!hwy/)[^>]+>", file.read(), re.M))
@@ -150,7 +160,7 @@ class Workshop:
         made = {}
         for target, command in self.compile_of.items():
             if not target.startswith(("common/", "kernels/", "image/", "enhance/", "printer/", "filter/",
-                                      "align/")):
+                                      "align/", "tools/")):
                 continue
             options = [word for word in command if not word.startswith("-I")]
             if " ".join(options) not in made:
@@ -179,7 +189,7 @@ class Workshop:
         if PROGRAMS[name] == "results":
             command = [program, os.path.join(self.tree, "tests/results/hashes.txt")]
         else:
-            command = [program, "--gtest_fail_fast", "--gtest_filter=" + DRIVEN.get(name, "*")]
+            command = [program, "--gtest_fail_fast", "--gtest_filter=" + DRIVEN.get(name, ("", "*"))[1]]
         path = os.path.join(self.build, "said")
         longest = 0.0
         with open(path, "w+b") as said:
@@ -275,21 +285,21 @@ class Workshop:
             if not self.compile(target, source, made):
                 return "refused", "compiler"
             objects[target] = made
-        changed = None  # the filters that are made of it, once they are needed
+        changed = None  # the programs that are made of it, once they are needed, and their places
         try:
             for name in self.programs_for(mutant.file):
                 program = os.path.join(self.scratch, name)
                 if name in DRIVEN:
                     if changed is None:
-                        changed = []
-                        for filter_name in FILTERS:
-                            made = os.path.join(self.scratch, filter_name)
-                            if self.link(filter_name, objects, made):
-                                place = os.path.join(self.build, self.output[filter_name])
+                        changed = {}
+                        for started in STARTED:
+                            made = os.path.join(self.scratch, started)
+                            if self.link(started, objects, made):
+                                place = os.path.join(self.build, self.output[started])
                                 os.rename(place, place + ".original")
-                                changed.append(place)
+                                changed[started] = place
                                 os.rename(made, place)
-                    if not changed:
+                    if not changed.keys() & set(DRIVEN[name][0]):
                         continue
                     program = os.path.join(self.build, self.output[name])
                 elif not self.link(name, objects, program):
@@ -301,7 +311,7 @@ class Workshop:
         except Failed:
             return "refused", "linker"
         finally:
-            for place in changed or []:
+            for place in (changed or {}).values():
                 os.replace(place + ".original", place)
         return ("same code", "-O2") if self.is_same_code(mutant, path) else ("survived", "")
 

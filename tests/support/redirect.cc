@@ -8,18 +8,21 @@
 // has.
 //
 // Plain C inside: this code runs before anything else in the process.
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/types.h>
 #include <time.h>
 
+#include "library_calls.h"
+
 namespace {
+
+using support::FOpen;
+using support::next;
+using support::Open;
+using support::OpenAt;
 
 constexpr char kSpool[] = "/var/spool/cups/tmp/";
 constexpr char kTrace[] = "/tmp/xxxxx.log";
@@ -43,14 +46,6 @@ const char* redirected(const char* path, char* buffer) {
   return buffer;
 }
 
-template <typename Function>
-Function* next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-using Open = int(const char*, int, ...);
-using OpenAt = int(int, const char*, int, ...);
-using FOpen = FILE*(const char*, const char*);
 using LStat = int(const char*, struct stat*);
 using MakeTemporary = int(char*, int);
 
@@ -66,19 +61,7 @@ int makeTemporary(const char* name, char* path, int flags) {
   return descriptor;
 }
 
-bool needsMode(int flags) { return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE; }
-
 }  // namespace
-
-// The C library declares these with attributes of its own, hence the mode by hand.
-#define TARVO_MODE_OF(flags)          \
-  mode_t mode = 0;                    \
-  if (needsMode(flags)) {             \
-    va_list arguments;                \
-    va_start(arguments, flags);       \
-    mode = va_arg(arguments, mode_t); \
-    va_end(arguments);                \
-  }
 
 extern "C" {
 

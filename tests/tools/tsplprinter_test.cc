@@ -104,6 +104,20 @@ TEST_F(Tsplprinter, APageThatIsNotPrintedIsSaidAndNotDrawn) {
   EXPECT_FALSE(Exists("printed/job-1-2.png"));
 }
 
+TEST_F(Tsplprinter, AJobMayHaveSeveralDocuments) {
+  const std::string job = kPreamble + Join(FullPage()) + kPreamble + Join(BarePage());
+  PrinterProcess printer(folder_, {"--port", "0", "--jobs", "1"});
+  EXPECT_EQ(Client(printer.ListeningPort()).Print(job), "closed");
+  EXPECT_EQ(printer.Wait(), 0);
+  EXPECT_EQ(printer.Rest(),
+            "job 1: begins\n"
+            "job 1 page 1: 1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, 1 copy\n"
+            "job 1 page 2: 1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, turned by 180 degrees, 3 copies\n"
+            "job 1: ended, 2 pages, 437 bytes\n");
+  EXPECT_EQ(folder_.Read("err"), "");
+  EXPECT_TRUE(Exists("printed/job-1-2.png"));
+}
+
 TEST_F(Tsplprinter, AJobLargerThanAnyBufferComesThrough) {
   // 3 pages of 1,000 x 1,024 bytes of dots, each byte another value than its neighbours.
   std::string dots(1000 * 1024, '\0');

@@ -204,7 +204,8 @@ TEST_F(TsplprinterTrouble, AMalformedJobIsSavedAndTheNextOneTaken) {
       {"GET / HTTP/1.1\r\n\r\n",
        "byte 0: expected 64 line feeds, 64 more, found \"GET / HTTP/1.1\\r\\n\"", false},
       {kPage + "FEED 1\r\n" + behind,
-       "byte 268: expected \"SIZE \" or the end of the stream, found \"FEED 1\\r\\n........\"",
+       "byte 268: expected \"SIZE \", 64 line feeds or the end of the stream, found \"FEED "
+       "1\\r\\n........\"",
        true},
       // Cut in the dots, which begin at byte 251 and are 4.
       {kPage.substr(0, 253),

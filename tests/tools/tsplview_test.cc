@@ -206,10 +206,47 @@ TEST_F(Tsplview, AMalformedStreamIsStatus1) {
             "tsplview: -: byte 0: expected 64 line feeds, 64 more, found the end of the stream\n");
 }
 
-TEST_F(Tsplview, AGoodPageBeforeABadOneIsNotDrawn) {
-  folder_.Write("bad", kPreamble + Join(FullPage()) + "SIZE");
-  EXPECT_EQ(Run("--png . bad").status, 1);
-  EXPECT_FALSE(Exists("bad-1.png"));
+TEST_F(Tsplview, SaysAndDrawsTheGoodPagesBeforeTheDamage) {
+  const std::string line = "1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, 1 copy\n";
+  const std::string two = kPreamble + Join(FullPage()) + kPreamble + Join(FullPage());
+  const struct {
+    std::string tail;  // behind two good pages
+    std::string damage;
+  } kCases[] = {
+      {"FEED 1\r\n",
+       "byte 536: expected \"SIZE \", 64 line feeds or the end of the stream, found "},
+      // A page that is not printed is none when it is what breaks: its dots may not be all.
+      {PageOf("1.0 mm, 0.5 mm", 1, 4, kDots).substr(0, 100) + "?", "byte "},
+  };
+  for (const auto& c : kCases) {
+    folder_.Write("bad", two + c.tail);
+    const test::ToolRun run = Run("--png drawn bad");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "page 1: " + line + "page 2: " + line);
+    EXPECT_THAT(run.err, StartsWith("tsplview: bad: " + c.damage));
+    for (const char* name : {"drawn/bad-1.png", "drawn/bad-2.png"}) {
+      EXPECT_EQ(test::ReadPng(folder_.File(name)).height, 36U) << name;
+    }
+    EXPECT_FALSE(Exists("drawn/bad-3.png"));
+    std::filesystem::remove_all(folder_.File("drawn"));
+  }
+}
+
+TEST_F(Tsplview, APictureThatCannotBeDrawnHidesNoDamage) {
+  folder_.Write("bad", kPreamble + Join(FullPage()) + "FEED");
+  std::filesystem::create_directories(folder_.File("bad-1.png"));
+  const test::ToolRun run = Run("--png . bad");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("./bad-1.png: "));
+  EXPECT_THAT(run.err, HasSubstr("tsplview: bad: byte 268: "));
+}
+
+TEST_F(Tsplview, CountsThePagesOfAllDocuments) {
+  const std::string two = kPreamble + Join(FullPage()) + kPreamble + Join(BarePage());
+  EXPECT_EQ(Say(two), Run("job.tspl").out);
+  EXPECT_THAT(Say(two, "--list"), HasSubstr("       257  PRINT 1,1\n"
+                                            "       268  64 line feeds\n"
+                                            "       332  SIZE 1.0 mm, 0.5 mm\n"));
 }
 
 TEST_F(Tsplview, WrongUsageIsStatus2) {

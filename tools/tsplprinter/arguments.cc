@@ -24,8 +24,8 @@ label when a printer would print it. For tests it can be slow, switched on late,
 
 constexpr const char* kFooter = R"(
 The connection:
-  One connection is one job: its bytes up to the end that the client sends. A job is taken at a
-  time, and who connects meanwhile waits. When a job has ended its files are complete, and only
+  One connection is one job: its bytes up to the end that the client sends, of one document or
+  several. A job is taken at a time, and who connects meanwhile waits. When a job has ended its files are complete, and only
   then is its connection closed. A connection that brings no byte is no job. Nothing is ever sent
   to the client. However slow the printer is, the system takes up to some megabytes from a client
   in advance.

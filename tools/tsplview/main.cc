@@ -1,10 +1,12 @@
 // tsplview: checks a stream of TSPL commands, lists it, and draws its pages.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <system_error>
 #include <vector>
 
@@ -57,10 +59,17 @@ void List(const tspl::Stream& stream) {
   }
 }
 
+// Of a malformed stream, the pages before the damage are good, and that is all that is known of it.
+std::span<const tspl::Page> GoodPages(const tspl::Stream& stream) {
+  const std::size_t good = stream.malformed ? CompletePages(stream) : stream.pages.size();
+  return std::span(stream.pages).first(good);
+}
+
 void Summarise(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
-  if (stream.pages.empty()) std::puts("no pages");
-  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
-    const tspl::Page& page = stream.pages[i];
+  if (stream.pages.empty() && !stream.malformed) std::puts("no pages");
+  const std::span<const tspl::Page> pages = GoodPages(stream);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    const tspl::Page& page = pages[i];
     const tspl::Command& last = stream.commands[page.first_command + page.command_count - 1];
     const std::string line = tspl::PageLine(page, last, tspl::MeasureLabel(page, arguments.dpi));
     std::printf("page %zu: %s\n", i + 1, line.c_str());
@@ -72,8 +81,9 @@ int Draw(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) return Complain(folder.string(), error.message());
-  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
-    const tspl::Page& page = stream.pages[i];
+  const std::span<const tspl::Page> pages = GoodPages(stream);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    const tspl::Page& page = pages[i];
     const std::optional<tspl::Label> label = tspl::MeasureLabel(page, arguments.dpi);
     if (!label) continue;
     const std::string name = arguments.name + "-" + std::to_string(i + 1) + ".png";
@@ -91,16 +101,15 @@ int Run(const tsplview::Arguments& arguments) {
 
   if (arguments.list) {
     List(stream);
-  } else if (!stream.malformed) {
+  } else {
     Summarise(stream, arguments);
   }
   if (!program::FinishOutput()) return kTrouble;
 
-  if (stream.malformed) {
-    Complain(arguments.file, tspl::MalformedLine(*stream.malformed));
-    return kMalformed;
-  }
-  return arguments.png ? Draw(stream, arguments) : kGood;
+  const int drawn = arguments.png ? Draw(stream, arguments) : kGood;
+  if (!stream.malformed) return drawn;
+  Complain(arguments.file, tspl::MalformedLine(*stream.malformed));
+  return std::max(drawn, kMalformed);
 }
 
 }  // namespace

@@ -38,6 +38,10 @@ The pictures:
   makes SIZE out of the dots of the BITMAP (203, 300, 600, less usual ones, then whatever fits),
   and puts it into the file; --dpi overrides it, and the label is then as large as SIZE says.
 
+  A name always holds a whole picture: until it does, the picture is a hidden file in DIR, which goes
+  when drawing fails. A picture replaces a plain file of its name, and nothing else: a link, a pipe
+  or a folder is left alone, and the picture is an error.
+
 Exit status:
   0  the stream is good
   1  it is malformed: standard error says at which byte, what was expected and what was found.

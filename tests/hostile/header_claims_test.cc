@@ -71,7 +71,9 @@ TEST(HeaderClaims, CostThePrintingFilterNoMemory) {
       EXPECT_EQ(outcome.error.find("ERROR:"), std::string::npos) << outcome.error;
       EXPECT_EQ(outcome.output.substr(0, 64), preamble());
       EXPECT_EQ(outcome.output.find("BITMAP"), std::string::npos);
-      EXPECT_EQ(support::commandsOf(outcome.output).fault, "");
+      const support::Commands sent = support::commandsOf(outcome.output);
+      EXPECT_EQ(sent.fault, "");
+      EXPECT_EQ(sent.documents, 1);
       EXPECT_TRUE(isHeldSmall(outcome.peakResidentKib)) << outcome.peakResidentKib << " KiB";
     }
   }
@@ -206,7 +208,9 @@ TEST(ManyPages, OneOfFewBytesThatIsTooLargeIsLeftOutWithALine) {
     EXPECT_EQ(run.outcome.ending(), "exit status 0");
     EXPECT_NE(run.outcome.error.find(line), std::string::npos) << run.outcome.error;
     EXPECT_EQ(run.outcome.output.find("BITMAP"), std::string::npos);
-    EXPECT_EQ(support::commandsOf(run.outcome.output).fault, "");
+    const support::Commands sent = support::commandsOf(run.outcome.output);
+    EXPECT_EQ(sent.fault, "");
+    EXPECT_EQ(sent.documents, 1);
   }
 }
 

@@ -83,7 +83,9 @@ TEST(BadInput, RandomHeadersNeverCrashAndLeaveWholeCommands) {
     EXPECT_EQ(run.outcome.error.find("runtime error"), std::string::npos) << run.outcome.error;
     EXPECT_EQ(run.outcome.error.find("Sanitizer: "), std::string::npos) << run.outcome.error;
     EXPECT_TRUE(run.outcome.status == 0 || run.outcome.status == 1) << run.outcome.ending();
-    EXPECT_EQ(support::commandsOf(run.outcome.output).fault, "") << i;
+    const support::Commands sent = support::commandsOf(run.outcome.output);
+    EXPECT_EQ(sent.fault, "") << i;
+    EXPECT_EQ(sent.documents, 1) << i;
   }
 }
 

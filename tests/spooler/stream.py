@@ -37,10 +37,19 @@ class Page:
 
 def pages(stream):
     """The pages of a whole job, read strictly. Raises ValueError where it is malformed."""
+    return [page for document in documents(stream) for page in document]
+
+
+def documents(stream):
+    """The pages of each document of a whole job: the filter runs once for each, and begins anew."""
     if not stream.startswith(PREAMBLE):
         raise ValueError("no preamble")
-    at, found, commands = len(PREAMBLE), [], []
+    at, found, commands = 0, [], []
     while at < len(stream):
+        if stream.startswith(PREAMBLE, at) and not commands:
+            found.append([])
+            at += len(PREAMBLE)
+            continue
         bitmap = re.compile(rb"BITMAP 0,0,(\d+),(\d+),0,").match(stream, at)
         if not bitmap:
             line = re.compile(rb"[A-Z][ -~]*\r\n").match(stream, at)
@@ -54,7 +63,7 @@ def pages(stream):
         end = re.compile(rb"\r\nPRINT 1,(\d+)\r\n").match(stream, bitmap.end() + len(data))
         if not end or len(data) != width_bytes * height:
             raise ValueError(f"the bitmap at byte {at} is not followed by PRINT")
-        found.append(Page(commands, width_bytes, height, data, int(end[1])))
+        found[-1].append(Page(commands, width_bytes, height, data, int(end[1])))
         at, commands = end.end(), []
     if commands:
         raise ValueError(f"commands without a bitmap: {commands}")

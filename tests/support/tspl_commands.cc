@@ -37,14 +37,11 @@ class Reader {
   explicit Reader(std::string_view stream) : stream_(stream) {}
 
   Commands read() {
-    if (stream_.substr(0, kPreambleBytes) != std::string(kPreambleBytes, '\n')) {
-      fault("the stream does not begin with 64 line feeds");
-      return result_;
-    }
-    offset_ = kPreambleBytes;
-    while (offset_ < stream_.size()) {
-      const bool whole = stream_.substr(offset_, 7) == "BITMAP " ? readBitmap() : readLine();
-      if (!whole) return result_;
+    bool whole = readPreamble();
+    while (whole && offset_ < stream_.size()) {
+      whole = stream_[offset_] == '\n'                  ? readPreamble()
+              : stream_.substr(offset_, 7) == "BITMAP " ? readBitmap()
+                                                        : readLine();
     }
     return result_;
   }
@@ -55,6 +52,15 @@ class Reader {
     result_.fault = "at byte " + std::to_string(offset_) + ": " + what + ": " +
                     printable(stream_.substr(offset_, 60));
     return false;
+  }
+
+  bool readPreamble() {
+    if (stream_.substr(offset_, kPreambleBytes) != std::string(kPreambleBytes, '\n')) {
+      return fault("a document does not begin with 64 line feeds");
+    }
+    ++result_.documents;
+    offset_ += kPreambleBytes;
+    return true;
   }
 
   bool readLine() {

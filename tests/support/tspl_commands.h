@@ -15,14 +15,16 @@ struct Command {
 
 struct Commands {
   std::vector<Command> list;
+  int documents = 0;  ///< how many began: each run of the filter sends one, a job can hold several
   std::string fault;  ///< empty when the stream is a whole number of commands; else what is wrong
 
   /// The lines alone, for comparison with a table.
   std::vector<std::string> lines() const;
 };
 
-/// Reads 64 line feeds, then whole commands up to the end of `stream`: one of the known names,
-/// ended by "\r\n"; BITMAP with exactly the bytes its head announces, followed by a line end.
+/// Reads documents up to the end of `stream`. Each is 64 line feeds, then whole commands: one of
+/// the known names, ended by "\r\n"; BITMAP with exactly the bytes its head announces, followed by
+/// a line end.
 Commands commandsOf(std::string_view stream);
 
 }  // namespace support

@@ -51,8 +51,9 @@ Told Whole(const std::string& bytes) {
   Told told;
   for (std::size_t i = 0; i < stream.pages.size(); ++i) {
     const tspl::Page& page = stream.pages[i];
-    if (stream.malformed && !page.copies && i + 1 == stream.pages.size()) continue;
-    told.pages.push_back(Say(page, stream.commands[page.first_command + page.command_count - 1]));
+    const std::size_t behind = page.first_command + page.command_count;
+    if (stream.malformed && !page.copies && behind == stream.commands.size()) continue;
+    told.pages.push_back(Say(page, stream.commands[behind - 1]));
   }
   if (stream.malformed) told.damage = tspl::MalformedLine(*stream.malformed);
   return told;
@@ -96,6 +97,15 @@ TEST(Follower, FindsInPiecesWhatTheWholeHolds) {
       {"damage right behind a page", kPreamble + Join(FullPage()) + "FORMFEED" + good, 1},
       {"a copies' number without digits",
        kPreamble + kNoDots + "BITMAP 0,0,1,4,0," + kDots + "\r\nPRINT 1,-\r\n" + good, 0},
+      {"two documents", good + good, 6},
+      {"a document without pages between two", good + kPreamble + good, 6},
+      {"a document that is cut off before the next one",
+       kPreamble + Join(FullPage()) + kNoDots.substr(0, 21) + good, 5},
+      {"a page without dots at the end of a document", kPreamble + kNoDots + good, 4},
+      {"damage behind a page without dots and half a preamble",
+       kPreamble + kNoDots + kPreamble.substr(32) + "FORMFEED" + good, 0},
+      {"damage behind a page without dots and a preamble",
+       kPreamble + kNoDots + kPreamble + "FORMFEED" + good, 1},
       {"negative copies", kPreamble + kNoDots + "BITMAP 0,0,1,4,0," + kDots + "\r\nPRINT 1,-5\r\n",
        1},
       // Whether such a speed is above 0 is known when its fortieth character is.
@@ -131,6 +141,15 @@ TEST(Follower, TellsAPageWithItsLastByte) {
   EXPECT_FALSE(follower.malformed());
 }
 
+TEST(Follower, TellsAPageThatIsNotPrintedWithTheNextDocument) {
+  std::size_t pages = 0;
+  tspl::Follower follower([&](const tspl::Page&, const tspl::Command&) { ++pages; });
+  follower.Take(Bytes(kPreamble + kNoDots + kPreamble.substr(1)));
+  EXPECT_EQ(pages, 0U);
+  follower.Take(Bytes("\n"));
+  EXPECT_EQ(pages, 1U);
+}
+
 TEST(Follower, TellsDamageBeforeTheEndOnceItIsSure) {
   tspl::Follower follower([](const tspl::Page&, const tspl::Command&) {});
   follower.Take(Bytes(kPreamble + "HELLO"));
@@ -140,7 +159,8 @@ TEST(Follower, TellsDamageBeforeTheEndOnceItIsSure) {
   follower.Take(Bytes("."));  // 5 + 58 + 1 = 64 bytes from the damage on
   ASSERT_TRUE(follower.malformed());
   EXPECT_EQ(tspl::MalformedLine(*follower.malformed()),
-            "byte 64: expected \"SIZE \" or the end of the stream, found \"HELLO...........\"");
+            "byte 64: expected \"SIZE \", 64 line feeds or the end of the stream, found "
+            "\"HELLO...........\"");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -248,15 +249,38 @@ TEST_F(Picture, AFullDiskIsReported) {
   std::string noise(std::size_t{64} * 600, '\0');
   for (char& byte : noise) byte = static_cast<char>(generator());
   // One picture fails when the last of it leaves the buffer, the other while it is being made.
-  for (const std::string& page :
-       {PageOf("1.0 mm, 0.5 mm", 1, 4, kDots), PageOf("64.1 mm, 75.1 mm", 64, 600, noise)}) {
-    bytes_ = kPreamble + page;
+  const struct {
+    std::string page;
+    const char* error;  // of drawing, or else of closing
+  } kCases[] = {
+      {PageOf("1.0 mm, 0.5 mm", 1, 4, kDots), ""},
+      {PageOf("64.1 mm, 75.1 mm", 64, 600, noise), "No space left on device"},
+  };
+  for (const auto& c : kCases) {
+    bytes_ = kPreamble + c.page;
     const tspl::Stream stream = tspl::Read(Bytes(bytes_));
     const auto label = tspl::MeasureLabel(stream.pages.at(0), std::nullopt);
     std::FILE* full = std::fopen("/dev/full", "wb");
     ASSERT_NE(full, nullptr);
-    EXPECT_EQ(tspl::WritePicture(stream.pages.at(0), label.value(), full), "Write Error");
-    std::fclose(full);
+    EXPECT_EQ(tspl::WritePicture(stream.pages.at(0), label.value(), full), c.error);
+    EXPECT_EQ(std::fclose(full) != 0, c.error[0] == '\0');
+  }
+}
+
+TEST_F(Picture, IsNotDrawnOnWhenThereIsAnObjection) {
+  bytes_ = kPreamble + PageOf("1.0 mm, 0.5 mm", 1, 4, kDots);
+  const tspl::Stream stream = tspl::Read(Bytes(bytes_));
+  const auto label = tspl::MeasureLabel(stream.pages.at(0), std::nullopt);
+  // 16 + 4 + 16 rows, and once behind them.
+  for (int objected = 0; objected <= 37; ++objected) {
+    int asked = 0;
+    std::FILE* file = std::fopen(folder_.File("page.png").c_str(), "wb");
+    const std::string error = tspl::WritePicture(stream.pages.at(0), label.value(), file, [&] {
+      return std::string(asked++ == objected ? "enough" : "");
+    });
+    std::fclose(file);
+    EXPECT_EQ(error, objected < 37 ? "enough" : "");
+    EXPECT_EQ(asked, std::min(objected + 1, 37));
   }
 }
 

@@ -5,6 +5,8 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +16,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 
@@ -27,7 +31,8 @@ bool Readable(int descriptor) {
 
 }  // namespace
 
-PrinterProcess::PrinterProcess(const TemporaryFolder& folder, std::vector<std::string> arguments) {
+PrinterProcess::PrinterProcess(const TemporaryFolder& folder, std::vector<std::string> arguments,
+                               const char* preloaded) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   output_ = ends[0];
@@ -42,7 +47,27 @@ PrinterProcess::PrinterProcess(const TemporaryFolder& folder, std::vector<std::s
   std::vector<char*> argv;
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  const int failed = posix_spawn(&process_, TSPLPRINTER, &actions, nullptr, argv.data(), environ);
+  std::vector<char*> environment;
+  for (char** variable = environ; *variable != nullptr; ++variable)
+    environment.push_back(*variable);
+  std::string library = std::string("LD_PRELOAD=") + (preloaded != nullptr ? preloaded : "");
+  // A sanitizer wants to be loaded first, and need not.
+  std::string sanitizer = "ASAN_OPTIONS=verify_asan_link_order=0";
+  if (preloaded != nullptr) {
+    environment.insert(environment.begin(), {library.data(), sanitizer.data()});
+  }
+  environment.push_back(nullptr);
+  // Whoever runs the tests in the background may have them ignore signals.
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) sigaddset(&signals, signal);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setsigdefault(&attributes, &signals);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  const int failed =
+      posix_spawn(&process_, TSPLPRINTER, &actions, &attributes, argv.data(), environment.data());
+  posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&actions);
   close(ends[1]);
   if (failed != 0) throw std::runtime_error(TSPLPRINTER " cannot be started");
@@ -79,12 +104,47 @@ int PrinterProcess::ListeningPort() {
   return 0;
 }
 
+bool PrinterProcess::WaitForUnread(int bytes) const {
+  const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(kPatienceSeconds);
+  int unread = 0;
+  while (ioctl(output_, FIONREAD, &unread) == 0 && unread < bytes) {
+    if (std::chrono::steady_clock::now() > patience) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
 void PrinterProcess::CloseOutput() {
   if (output_ >= 0) close(output_);
   output_ = -1;
 }
 
 void PrinterProcess::Signal(int signal) const { kill(process_, signal); }
+
+void PrinterProcess::LimitFiles(std::uint64_t bytes) const {
+  const rlimit limit{bytes, bytes};
+  if (prlimit(process_, RLIMIT_FSIZE, &limit, nullptr) != 0) throw std::runtime_error("prlimit");
+}
+
+std::vector<std::string> PrinterProcess::Descriptors(bool inheritable) const {
+  const std::filesystem::path process = "/proc/" + std::to_string(process_);
+  std::vector<std::string> targets;
+  for (const auto& entry : std::filesystem::directory_iterator(process / "fd")) {
+    const std::string number = entry.path().filename().string();
+    const int here = fcntl(std::stoi(number), F_GETFD);
+    if (std::stoi(number) <= STDERR_FILENO || (here >= 0 && (here & FD_CLOEXEC) == 0)) continue;
+    std::ifstream info(process / "fdinfo" / number);
+    std::string word;
+    while (info >> word && word != "flags:") {
+    }
+    info >> word;
+    const bool closed = (std::stoul(word, nullptr, 8) & O_CLOEXEC) != 0;
+    if (closed != inheritable) {
+      targets.push_back(std::filesystem::read_symlink(entry.path()).string());
+    }
+  }
+  return targets;
+}
 
 int PrinterProcess::Wait() {
   const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(kPatienceSeconds);
@@ -109,14 +169,14 @@ std::string PrinterProcess::Rest() {
   return rest;
 }
 
-Client::Client(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+Client::Client(int port, const char* at) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   const timeval patience{kPatienceSeconds, 0};
   setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  inet_pton(AF_INET, at, &address.sin_addr);
   if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     error_ = errno;
   }

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,9 @@ constexpr int kPatienceSeconds = 10;
 class PrinterProcess {
  public:
   /// Starts it in `folder`, which must outlive it and gets its standard error as the file "err".
-  PrinterProcess(const TemporaryFolder& folder, std::vector<std::string> arguments);
+  /// `preloaded` is a library that stands in for parts of the system's.
+  PrinterProcess(const TemporaryFolder& folder, std::vector<std::string> arguments,
+                 const char* preloaded = nullptr);
   /// Kills it if it still runs.
   ~PrinterProcess();
   PrinterProcess(const PrinterProcess&) = delete;
@@ -31,10 +34,20 @@ class PrinterProcess {
   /// Lines up to the one that says where it listens; its port, 0 when it does not listen.
   int ListeningPort();
 
+  /// Waits for so many bytes of its standard output to be unread. False when patience ends.
+  bool WaitForUnread(int bytes) const;
+
   /// Closes the test's end of its standard output.
   void CloseOutput();
 
   void Signal(int signal) const;
+
+  /// From now on it can write no file of more than so many bytes, as if the disk were full.
+  void LimitFiles(std::uint64_t bytes) const;
+
+  /// What its descriptors are of, as /proc tells it: those that a program started by it would get,
+  /// or those that it would not. Without what this process left to it.
+  std::vector<std::string> Descriptors(bool inheritable) const;
 
   /// Waits for its end. Returns its exit status; -1 when it was killed or had to be.
   int Wait();
@@ -50,8 +63,8 @@ class PrinterProcess {
 
 class Client {
  public:
-  /// Connects to the port of 127.0.0.1.
-  explicit Client(int port);
+  /// Connects to the port of `address`.
+  explicit Client(int port, const char* address = "127.0.0.1");
   ~Client();
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;

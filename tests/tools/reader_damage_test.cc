@@ -26,11 +26,13 @@ struct Job {
   std::vector<bool> is_dot;          // whether the byte is a bitmap's data
 };
 
-Job TwoPages() {
+// Two pages, and another document.
+Job TwoDocuments() {
   Job job;
-  std::vector<std::string> commands = {kPreamble};
-  for (const auto& page : {FullPage(), BarePage()}) {
-    commands.insert(commands.end(), page.begin(), page.end());
+  std::vector<std::string> commands;
+  const std::vector<std::string> preamble = {kPreamble};
+  for (const auto& part : {preamble, FullPage(), BarePage(), preamble, BarePage()}) {
+    commands.insert(commands.end(), part.begin(), part.end());
   }
   for (const std::string& command : commands) {
     const std::size_t start = job.bytes.size();
@@ -45,7 +47,7 @@ Job TwoPages() {
 }
 
 TEST(DamagedStream, IsGoodWhenCutAtTheEndOfACommandAndNowhereElse) {
-  const Job job = TwoPages();
+  const Job job = TwoDocuments();
   for (std::size_t length = 0; length <= job.bytes.size(); ++length) {
     const std::string cut = job.bytes.substr(0, length);
     const tspl::Stream stream = tspl::Read(Bytes(cut));
@@ -59,7 +61,7 @@ TEST(DamagedStream, IsGoodWhenCutAtTheEndOfACommandAndNowhereElse) {
 }
 
 TEST(DamagedStream, IsMalformedWhenAnyByteButADotIsAnother) {
-  const Job job = TwoPages();
+  const Job job = TwoDocuments();
   for (std::size_t at = 0; at < job.bytes.size(); ++at) {
     for (const char other : {'\0', 'X', ' ', '\xFF'}) {
       if (job.bytes[at] == other) continue;
@@ -71,7 +73,7 @@ TEST(DamagedStream, IsMalformedWhenAnyByteButADotIsAnother) {
 }
 
 TEST(DamagedStream, IsMalformedWithAByteMoreOrLess) {
-  const Job job = TwoPages();
+  const Job job = TwoDocuments();
   for (std::size_t at = 0; at <= job.bytes.size(); ++at) {
     std::string bytes = job.bytes;
     bytes.insert(at, 1, '\0');
@@ -103,8 +105,6 @@ TEST(DamagedStream, IsMalformedWithACommandTwice) {
     more.insert(more.begin() + static_cast<std::ptrdiff_t>(twice), page[twice]);
     EXPECT_FALSE(IsGood(kPreamble + Join(more))) << page[twice];
   }
-  EXPECT_FALSE(IsGood(kPreamble + kPreamble + Join(page)));
-  EXPECT_FALSE(IsGood(kPreamble + Join(page) + kPreamble + Join(page)));
 }
 
 TEST(DamagedStream, IsMalformedWithTwoCommandsInEachOthersPlace) {
@@ -168,7 +168,7 @@ TEST(DamagedStream, IsMalformedWithACommandBehindOneThatItDoesNotFollow) {
 // Whatever the bytes, the commands that were read lie end to end from the first byte, and only a
 // good stream is read to its end. With the sanitizers this also shows that no other byte is read.
 TEST(DamagedStream, IsNeverReadBeyondItsEnd) {
-  const Job job = TwoPages();
+  const Job job = TwoDocuments();
   std::mt19937 random(20240229);
   const auto below = [&](std::size_t limit) { return random() % limit; };
   for (int round = 0; round < 20000; ++round) {

@@ -17,6 +17,9 @@ using test::Join;
 using test::kDots;
 using test::kPreamble;
 
+// What is expected behind a whole page.
+const std::string kNextPage = "\"SIZE \", 64 line feeds or the end of the stream";
+
 // The full page with the line that begins with `name` replaced.
 std::vector<std::string> FullPageWith(std::string_view name, const std::string& line) {
   std::vector<std::string> page = FullPage();
@@ -100,6 +103,61 @@ TEST(Reader, APageWithoutDotsIsFollowedByTheNext) {
   EXPECT_FALSE(stream.pages[0].bitmap);
   EXPECT_FALSE(stream.pages[0].copies);
   EXPECT_TRUE(stream.pages[1].bitmap);
+}
+
+// A job's documents come one after another, and each may end as one that comes alone may.
+TEST(Reader, TakesOneDocumentAfterAnother) {
+  const std::vector<std::string> page = FullPage();
+  for (std::size_t last = 0; last <= page.size(); ++last) {
+    const std::string first =
+        kPreamble + Join(BarePage()) + Join({page.begin(), page.begin() + std::ptrdiff_t(last)});
+    const std::string bytes = first + kPreamble + Join(FullPage()) + kPreamble + Join(BarePage());
+    const tspl::Stream stream = tspl::Read(Bytes(bytes));
+    ASSERT_EQ(Reason(stream), "good") << last;
+    ASSERT_EQ(stream.pages.size(), last == 0 ? 3U : 4U) << last;
+    const tspl::Page& second = stream.pages[stream.pages.size() - 2];
+    EXPECT_EQ(second.command_count, page.size()) << last;
+    EXPECT_EQ(second.copies, 1) << last;
+    EXPECT_EQ(stream.commands[second.first_command].offset, first.size() + 64) << last;
+    const tspl::Command& between = stream.commands[second.first_command - 1];
+    EXPECT_EQ(between.kind, tspl::Kind::kPreamble) << last;
+    EXPECT_EQ(between.offset, first.size()) << last;
+    EXPECT_EQ(between.length, 64U) << last;
+    EXPECT_EQ(between.text, "") << last;
+    // What the first document was cut off in is no part of the second.
+    if (last > 0) {
+      EXPECT_EQ(stream.pages[1].command_count, last);
+      EXPECT_EQ(stream.pages[1].copies.has_value(), last == page.size()) << last;
+    }
+  }
+}
+
+TEST(Reader, APageIsCompleteWithItsPrintOrWhenMoreFollows) {
+  const std::string whole = kPreamble + Join(FullPage());
+  const std::string no_dots =
+      "SIZE 9.0 mm, 9.0 mm\r\nREFERENCE 0,0\r\nDIRECTION 0,0\r\nOFFSET 0.0 mm\r\nCLS\r\n";
+  const struct {
+    std::string bytes;
+    std::size_t pages;
+    std::size_t complete;
+  } kCases[] = {
+      {kPreamble, 0, 0},
+      {whole, 1, 1},
+      {whole + "FEED", 1, 1},
+      {whole + "SIZE", 1, 1},
+      {whole + "SIZE 1.0 mm, 0.5 mm\r\n", 2, 1},
+      {whole + no_dots, 2, 1},
+      {whole + no_dots + "FEED", 2, 1},
+      {whole + no_dots + no_dots, 3, 2},
+      {whole + no_dots + kPreamble, 2, 2},
+      {whole + no_dots + kPreamble + "FEED", 2, 2},
+      {whole + no_dots + kPreamble.substr(1), 2, 1},
+  };
+  for (const auto& c : kCases) {
+    const tspl::Stream stream = tspl::Read(Bytes(c.bytes));
+    EXPECT_EQ(stream.pages.size(), c.pages) << c.bytes;
+    EXPECT_EQ(tspl::CompletePages(stream), c.complete) << c.bytes;
+  }
 }
 
 TEST(Reader, DotsMayLookLikeCommands) {
@@ -208,9 +266,9 @@ TEST(Reader, SaysWhatIsWrongAndWhere) {
       {"SIZE", "SIZE 1234567890123.0 mm, 0.5 mm\r\n", 5, length},
       {"SIZE", "SIZE 1.0 mm, " + std::string(400, '9') + ".0 mm\r\n", 13, length},
       {"SIZE", "SIZE  1.0 mm, 0.5 mm\r\n", 5, length},
-      {"SIZE", "SIZE\t1.0 mm, 0.5 mm\r\n", 0, "\"SIZE \" or the end of the stream"},
-      {"SIZE", "size 1.0 mm, 0.5 mm\r\n", 0, "\"SIZE \" or the end of the stream"},
-      {"SIZE", "\nSIZE 1.0 mm, 0.5 mm\r\n", 0, "\"SIZE \" or the end of the stream"},
+      {"SIZE", "SIZE\t1.0 mm, 0.5 mm\r\n", 0, kNextPage},
+      {"SIZE", "size 1.0 mm, 0.5 mm\r\n", 0, kNextPage},
+      {"SIZE", "\nSIZE 1.0 mm, 0.5 mm\r\n", 1, "64 line feeds, 63 more"},
       {"GAP", "GAP 0,0\r\n", 4, length},
       {"GAP", "GAP 0, 0 mm\r\n", 8, "\"\\r\\n\""},
       {"GAP", "GAP 0, 1\r\n", 7, "\"0\\r\\n\""},
@@ -304,7 +362,7 @@ TEST(Reader, QuotesWhatItFound) {
     const tspl::Stream stream = tspl::Read(Bytes(bytes));
     ASSERT_TRUE(stream.malformed) << c.tail;
     EXPECT_EQ(stream.malformed->offset, bytes.size() - c.tail.size());
-    EXPECT_EQ(stream.malformed->expected, "\"SIZE \" or the end of the stream");
+    EXPECT_EQ(stream.malformed->expected, kNextPage);
     EXPECT_EQ(stream.malformed->found, c.found);
   }
 }
@@ -317,7 +375,9 @@ TEST(Reader, WantsAllOfThePreambleAndNoMore) {
       {0, "byte 0: expected 64 line feeds, 64 more, found \"SIZE 1.0 mm, 0.5\""},
       {63, "byte 63: expected 64 line feeds, 1 more, found \"SIZE 1.0 mm, 0.5\""},
       {64, "good"},
-      {65, "byte 64: expected \"SIZE \" or the end of the stream, found \"\\nSIZE 1.0 mm, 0.\""},
+      {65, "byte 65: expected 64 line feeds, 63 more, found \"SIZE 1.0 mm, 0.5\""},
+      {127, "byte 127: expected 64 line feeds, 1 more, found \"SIZE 1.0 mm, 0.5\""},
+      {128, "good"},  // a document without pages is before this one
   };
   for (const auto& c : kCases) {
     const std::string bytes = std::string(c.line_feeds, '\n') + Join(FullPage());

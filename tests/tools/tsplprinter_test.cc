@@ -72,6 +72,10 @@ TEST_F(Tsplprinter, ALabelIsThereAsSoonAsItsPrintIs) {
   EXPECT_EQ(printer.Line(), "job 1: begins");
   EXPECT_EQ(printer.Line(), "job 1 page 1: 1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, 1 copy");
   EXPECT_TRUE(Exists("printed/job-1-1.png"));
+  // Its stream is there when it is whole.
+  EXPECT_FALSE(Exists("printed/job-1.tspl"));
+  client.Finish();
+  EXPECT_EQ(printer.Line(), "job 1: ended, 1 page, 268 bytes");
   EXPECT_EQ(folder_.Read("printed/job-1.tspl"), kPreamble + Join(FullPage()));
 }
 
@@ -102,6 +106,20 @@ TEST_F(Tsplprinter, APageThatIsNotPrintedIsSaidAndNotDrawn) {
             "job 1: ended, 2 pages, 229 bytes\n");
   EXPECT_FALSE(Exists("printed/job-1-1.png"));
   EXPECT_FALSE(Exists("printed/job-1-2.png"));
+}
+
+TEST_F(Tsplprinter, AJobMayHaveSeveralDocuments) {
+  const std::string job = kPreamble + Join(FullPage()) + kPreamble + Join(BarePage());
+  PrinterProcess printer(folder_, {"--port", "0", "--jobs", "1"});
+  EXPECT_EQ(Client(printer.ListeningPort()).Print(job), "closed");
+  EXPECT_EQ(printer.Wait(), 0);
+  EXPECT_EQ(printer.Rest(),
+            "job 1: begins\n"
+            "job 1 page 1: 1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, 1 copy\n"
+            "job 1 page 2: 1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, turned by 180 degrees, 3 copies\n"
+            "job 1: ended, 2 pages, 437 bytes\n");
+  EXPECT_EQ(folder_.Read("err"), "");
+  EXPECT_TRUE(Exists("printed/job-1-2.png"));
 }
 
 TEST_F(Tsplprinter, AJobLargerThanAnyBufferComesThrough) {
@@ -158,15 +176,16 @@ TEST_F(Tsplprinter, CountsOnBehindTheJobsInItsFolder) {
   std::filesystem::create_directories(folder_.File("out/job-3"));
   folder_.Write("out/job-6.tspl", "six");
   folder_.Write("out/job-7-12.png", "seven");
+  folder_.Write("out/.job-8.part", "of a printer that crashed, or that is at it");
   for (const char* other : {"job-99", "job-.tspl", "job-x.tspl", "my-job-99.tspl", "job-99x.tspl",
-                            "job-99999999999999999999.tspl"}) {
+                            "job-99999999999999999999.tspl", ".job-99.tspl"}) {
     folder_.Write(std::string("out/") + other, "");
   }
   PrinterProcess printer(folder_, {"--port", "0", "--out", "out", "--jobs", "1"});
   EXPECT_EQ(Client(printer.ListeningPort()).Print(kPreamble), "closed");
   EXPECT_EQ(printer.Wait(), 0);
-  EXPECT_EQ(printer.Rest(), "job 8: begins\njob 8: ended, 0 pages, 64 bytes\n");
-  EXPECT_EQ(folder_.Read("out/job-8.tspl"), kPreamble);
+  EXPECT_EQ(printer.Rest(), "job 9: begins\njob 9: ended, 0 pages, 64 bytes\n");
+  EXPECT_EQ(folder_.Read("out/job-9.tspl"), kPreamble);
   EXPECT_EQ(folder_.Read("out/job-6.tspl"), "six");
 }
 
@@ -187,9 +206,9 @@ TEST_F(Tsplprinter, HelpAndVersionAreStatus0) {
   EXPECT_EQ(help.status, 0);
   EXPECT_EQ(help.err, "");
   for (const char* word :
-       {"--port N", "--out DIR", "--dpi N", "--jobs N", "--max-job-mib N", "--bytes-per-second N",
-        "--absent SECONDS", "--drop-after N", "--drop-jobs N", "--version", "SIGTERM",
-        "Exit status", "job-1-1.png", "socket://127.0.0.1:9100"}) {
+       {"--port N", "--out DIR", "--dpi N", "--jobs N", "--max-job-mib N", "--limit PICTURES[,MIB]",
+        "1000,512", "--bytes-per-second N", "--absent SECONDS", "--drop-after N", "--drop-jobs N",
+        "--version", "SIGTERM", "Exit status", "job-1-1.png", "socket://127.0.0.1:9100"}) {
     EXPECT_THAT(help.out, HasSubstr(word));
   }
   const test::ToolRun version = test::RunIn(folder_, TSPLPRINTER " --version");

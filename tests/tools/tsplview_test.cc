@@ -1,8 +1,15 @@
 // The command line: what is printed where, what is drawn, and the exit status.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -206,10 +213,47 @@ TEST_F(Tsplview, AMalformedStreamIsStatus1) {
             "tsplview: -: byte 0: expected 64 line feeds, 64 more, found the end of the stream\n");
 }
 
-TEST_F(Tsplview, AGoodPageBeforeABadOneIsNotDrawn) {
-  folder_.Write("bad", kPreamble + Join(FullPage()) + "SIZE");
-  EXPECT_EQ(Run("--png . bad").status, 1);
-  EXPECT_FALSE(Exists("bad-1.png"));
+TEST_F(Tsplview, SaysAndDrawsTheGoodPagesBeforeTheDamage) {
+  const std::string line = "1.0 x 0.5 mm, 8 x 4 dots at 203 dpi, 1 copy\n";
+  const std::string two = kPreamble + Join(FullPage()) + kPreamble + Join(FullPage());
+  const struct {
+    std::string tail;  // behind two good pages
+    std::string damage;
+  } kCases[] = {
+      {"FEED 1\r\n",
+       "byte 536: expected \"SIZE \", 64 line feeds or the end of the stream, found "},
+      // A page that is not printed is none when it is what breaks: its dots may not be all.
+      {PageOf("1.0 mm, 0.5 mm", 1, 4, kDots).substr(0, 100) + "?", "byte "},
+  };
+  for (const auto& c : kCases) {
+    folder_.Write("bad", two + c.tail);
+    const test::ToolRun run = Run("--png drawn bad");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "page 1: " + line + "page 2: " + line);
+    EXPECT_THAT(run.err, StartsWith("tsplview: bad: " + c.damage));
+    for (const char* name : {"drawn/bad-1.png", "drawn/bad-2.png"}) {
+      EXPECT_EQ(test::ReadPng(folder_.File(name)).height, 36U) << name;
+    }
+    EXPECT_FALSE(Exists("drawn/bad-3.png"));
+    std::filesystem::remove_all(folder_.File("drawn"));
+  }
+}
+
+TEST_F(Tsplview, APictureThatCannotBeDrawnHidesNoDamage) {
+  folder_.Write("bad", kPreamble + Join(FullPage()) + "FEED");
+  std::filesystem::create_directories(folder_.File("bad-1.png"));
+  const test::ToolRun run = Run("--png . bad");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.err, HasSubstr("./bad-1.png: "));
+  EXPECT_THAT(run.err, HasSubstr("tsplview: bad: byte 268: "));
+}
+
+TEST_F(Tsplview, CountsThePagesOfAllDocuments) {
+  const std::string two = kPreamble + Join(FullPage()) + kPreamble + Join(BarePage());
+  EXPECT_EQ(Say(two), Run("job.tspl").out);
+  EXPECT_THAT(Say(two, "--list"), HasSubstr("       257  PRINT 1,1\n"
+                                            "       268  64 line feeds\n"
+                                            "       332  SIZE 1.0 mm, 0.5 mm\n"));
 }
 
 TEST_F(Tsplview, WrongUsageIsStatus2) {
@@ -238,8 +282,12 @@ TEST_F(Tsplview, AFileThatCannotBeReadOrWrittenIsStatus2) {
       {".", "tsplview: .: Is a directory\n"},
       {"- <.", "tsplview: standard input: Is a directory\n"},
       {"job.tspl --png file", "tsplview: file: Not a directory\n"},
-      {"job.tspl --png taken", "tsplview: taken/job-1.png: Is a directory\n"},
+      {"job.tspl --png taken",
+       "tsplview: taken/job-1.png: a folder has this name and is left alone\n"},
       {"job.tspl --list >/dev/full", "tsplview: standard output: not all of it could be written\n"},
+      {"job.tspl >/dev/full", "tsplview: standard output: not all of it could be written\n"},
+      {"--help >/dev/full", "tsplview: standard output: not all of it could be written\n"},
+      {"--version >/dev/full", "tsplview: standard output: not all of it could be written\n"},
       {"wide --dpi 203 --png .",
        "tsplview: ./wide-1.png: a label of 79921252 x 8 dots is too large to draw\n"},
   };
@@ -249,6 +297,96 @@ TEST_F(Tsplview, AFileThatCannotBeReadOrWrittenIsStatus2) {
     EXPECT_EQ(run.err, c.error) << c.arguments;
   }
   EXPECT_FALSE(Exists("wide-1.png")) << "half a picture is left";
+}
+
+TEST_F(Tsplview, LeavesAloneWhatWasPlanted) {
+  const struct {
+    const char* name;
+    std::string plant;
+  } kCases[] = {
+      {"a symbolic link", "ln -s ../stolen"},
+      {"a symbolic link", "ln -s ../job.tspl"},
+      {"a pipe", "mkfifo"},
+      {"a folder", "mkdir"},
+  };
+  const std::string job = folder_.Read("job.tspl");
+  for (const auto& c : kCases) {
+    ASSERT_EQ(test::RunIn(folder_, "mkdir d && " + c.plant + " d/job-1.png").status, 0);
+    const auto before = std::filesystem::symlink_status(folder_.File("d/job-1.png")).type();
+    const test::ToolRun run = test::RunIn(folder_, "timeout 20 " TSPLVIEW " --png d job.tspl");
+    EXPECT_EQ(run.status, 2) << c.plant;
+    EXPECT_EQ(run.err, std::string("tsplview: d/job-1.png: ") + c.name +
+                           " has this name and is left alone\n");
+    EXPECT_EQ(std::filesystem::symlink_status(folder_.File("d/job-1.png")).type(), before);
+    EXPECT_FALSE(Exists("stolen"));
+    EXPECT_EQ(folder_.Read("job.tspl"), job);
+    EXPECT_EQ(test::RunIn(folder_, "ls -A d").out, "job-1.png\n");
+    std::filesystem::remove_all(folder_.File("d"));
+  }
+}
+
+TEST_F(Tsplview, APictureReplacesAnOlderOne) {
+  folder_.Write("job-1.png", "older");
+  EXPECT_EQ(Run("--png . job.tspl").status, 0);
+  EXPECT_EQ(test::ReadPng(folder_.File("job-1.png")).height, 36U);
+  EXPECT_EQ(test::RunIn(folder_, "ls -A").out, "err\njob-1.png\njob-2.png\njob.tspl\nout\n");
+}
+
+TEST_F(Tsplview, APictureForWhichThereIsNoRoomLeavesNothing) {
+  // Dots without any order, which no compression makes small. Files may have 1,024 bytes at most:
+  // of the one picture that is too much when it is closed, of the other while it is drawn.
+  std::mt19937 generator(1);
+  std::string noise(std::size_t{64} * 600, '\0');
+  for (char& byte : noise) byte = static_cast<char>(generator());
+  const std::string few = PageOf("64.1 mm, 3.8 mm", 64, 30, noise.substr(0, std::size_t{64} * 30));
+  const std::string many = PageOf("64.1 mm, 75.1 mm", 64, 600, noise);
+  for (const std::string& page : {few, many}) {
+    folder_.Write("noise", kPreamble + page);
+    const test::ToolRun run = test::RunIn(folder_, "(ulimit -f 1; " TSPLVIEW " --png d noise)");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "tsplview: d/noise-1.png: File too large\n");
+    EXPECT_EQ(test::RunIn(folder_, "ls -A d").out, "");
+  }
+}
+
+TEST_F(Tsplview, ASignalLeavesNoPartOfAPicture) {
+  // A label of 32,000 x 32,000 dots takes seconds to draw.
+  folder_.Write("huge", kPreamble + PageOf("4003.9 mm, 4003.9 mm", 1, 1, "A"));
+  const test::ToolRun run =
+      test::RunIn(folder_, TSPLVIEW
+                  " --dpi 203 --png d huge & viewer=$!;"
+                  " until [ -n \"$(ls -A d 2>/dev/null)\" ]; do sleep 0.01; done;"
+                  " ls -A d; kill -TERM $viewer; wait $viewer; echo $?; ls -A d");
+  EXPECT_THAT(run.out, ::testing::MatchesRegex("page 1: .*\n\\.tarvo-[0-9]+-1\\.part\n143\n"));
+}
+
+TEST_F(Tsplview, LeavesNoDescriptorToOtherPrograms) {
+  // It waits for the rest of the stream, with the stream's descriptor open.
+  ASSERT_EQ(mkfifo(folder_.File("stream").c_str(), 0600), 0);
+  const pid_t viewer = fork();
+  if (viewer == 0) {
+    execl(TSPLVIEW, TSPLVIEW, folder_.File("stream").c_str(), nullptr);
+    _exit(127);
+  }
+  const int end = open(folder_.File("stream").c_str(), O_WRONLY | O_CLOEXEC);
+  const std::filesystem::path process = "/proc/" + std::to_string(viewer);
+  std::string flags;
+  const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (flags.empty() && std::chrono::steady_clock::now() < patience) {
+    for (const auto& entry : std::filesystem::directory_iterator(process / "fd")) {
+      if (std::filesystem::read_symlink(entry.path()) != folder_.File("stream")) continue;
+      std::ifstream info(process / "fdinfo" / entry.path().filename());
+      std::string word;
+      while (info >> word && word != "flags:") {
+      }
+      info >> flags;
+    }
+  }
+  ASSERT_NE(flags, "");
+  EXPECT_EQ(std::stoul(flags, nullptr, 8) & O_CLOEXEC, static_cast<unsigned long>(O_CLOEXEC))
+      << flags;
+  close(end);
+  waitpid(viewer, nullptr, 0);
 }
 
 TEST_F(Tsplview, HelpAndVersionAreStatus0) {

@@ -1,6 +1,7 @@
 #include "program/program.h"
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -15,6 +16,8 @@ const char* own_name = "";
 
 int Main(const char* name, const std::function<int()>& body) {
   own_name = name;
+  // Writing beyond a limit on the size of files is then an error like any other.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return body();
   } catch (const std::exception& error) {

@@ -17,8 +17,9 @@ constexpr int kGood = 0;
 constexpr int kMalformed = 1;  // a stream is not one that the filter sends
 constexpr int kTrouble = 2;    // wrong usage, or something that cannot be read or written
 
-/// Runs `body` and returns the exit status that it returns; kTrouble, after a complaint, when it
-/// throws. `name` is the program's, for its complaints, and must outlive the program's run.
+/// Runs `body`, which no limit on the size of files kills, and returns the exit status that it
+/// returns; kTrouble, after a complaint, when it throws. `name` is the program's, for its
+/// complaints, and must outlive the program's run.
 int Main(const char* name, const std::function<int()>& body);
 
 /// Says "NAME: WHAT: WHY" on standard error. Returns kTrouble.

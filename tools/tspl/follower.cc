@@ -18,18 +18,19 @@ void Follower::ReadOn(bool ended) {
   const Stream stream = offset_ == 0 ? Read(pending_) : ReadPages(pending_, offset_);
   const std::uint64_t end = offset_ + pending_.size();
 
-  std::uint64_t done = offset_;
-  const auto pass = [&](const Command& command) { done = command.offset + command.length; };
-  if (!stream.commands.empty() && stream.commands[0].kind == Kind::kPreamble) {
-    pass(stream.commands[0]);
+  const bool all = ended && !stream.malformed;
+  const std::size_t pages = all ? stream.pages.size() : CompletePages(stream);
+  for (const Page& page : std::span(stream.pages).first(pages)) {
+    on_page_(page, stream.commands[page.first_command + page.command_count - 1]);
   }
-  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
-    const Page& page = stream.pages[i];
-    const bool next_begins = i + 1 < stream.pages.size();
-    if (!page.copies && !next_begins && (!ended || stream.malformed)) break;
-    const Command& last = stream.commands[page.first_command + page.command_count - 1];
-    on_page_(page, last);
-    pass(last);
+
+  // What is read again is a page that is not complete, or nothing.
+  const std::size_t commands =
+      pages < stream.pages.size() ? stream.pages[pages].first_command : stream.commands.size();
+  std::uint64_t done = offset_;
+  if (commands > 0) {
+    const Command& last = stream.commands[commands - 1];
+    done = last.offset + last.length;
   }
 
   if (stream.malformed && (ended || end - stream.malformed->offset >= kLongestHead)) {

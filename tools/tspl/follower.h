@@ -18,7 +18,8 @@ namespace tspl {
 class Follower {
  public:
   /// Gets each page with its last command, in order, each once and as soon as it is complete: with
-  /// its PRINT, or when the next page begins. Their texts and dots are good during the call only.
+  /// its PRINT, or when the next page or document begins. Their texts and dots are good during the
+  /// call only.
   using OnPage = std::function<void(const Page& page, const Command& last)>;
 
   explicit Follower(OnPage on_page) : on_page_(std::move(on_page)) {}

@@ -3,8 +3,10 @@
 #include <png.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <csetjmp>
+#include <cstring>
 #include <vector>
 
 namespace tspl {
@@ -105,10 +107,25 @@ png_uint_32 PixelsPerMetre(double dpi) {
 
 void OnWarning(png_structp, png_const_charp) {}
 
-// libpng leaves this function by a jump when it fails, so nothing in it may need a destructor.
-bool WriteAll(png_structp png, png_infop info, const Label& label, Painter& painter) {
+// As libpng writes to a file itself, but with the reason when that fails.
+void OnWrite(png_structp png, png_bytep bytes, std::size_t size) {
+  std::FILE* const file = static_cast<std::FILE*>(png_get_io_ptr(png));
+  if (std::fwrite(bytes, 1, size, file) != size) png_error(png, std::strerror(errno));
+}
+
+void OnFlush(png_structp) {}
+
+bool Objects(const Objection& objection, std::string& error) {
+  if (objection) error = objection();
+  return !error.empty();
+}
+
+// Puts why it failed into `error`. libpng leaves this function by a jump when it fails, so nothing
+// in it may need a destructor.
+void WriteAll(png_structp png, png_infop info, const Label& label, Painter& painter,
+              const Objection& objection, std::string& error) {
   // NOLINTNEXTLINE(cert-err52-cpp): a C library knows no other way out.
-  if (setjmp(png_jmpbuf(png))) return false;
+  if (setjmp(png_jmpbuf(png))) return;
   const auto width = static_cast<png_uint_32>(painter.layout().width);
   const auto height = static_cast<png_uint_32>(painter.layout().height);
   png_set_IHDR(png, info, width, height, 4, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE,
@@ -120,9 +137,12 @@ bool WriteAll(png_structp png, png_infop info, const Label& label, Painter& pain
   }
   png_write_info(png, info);
   png_set_packing(png);
-  for (png_uint_32 y = 0; y < height; ++y) png_write_row(png, painter.Row(y));
+  for (png_uint_32 y = 0; y < height && !Objects(objection, error); ++y) {
+    png_write_row(png, painter.Row(y));
+  }
+  if (!error.empty()) return;
   png_write_end(png, info);
-  return true;
+  Objects(objection, error);
 }
 
 }  // namespace
@@ -143,7 +163,8 @@ Layout LayOut(const Page& page, const Label& label) {
   return layout;
 }
 
-std::string WritePicture(const Page& page, const Label& label, std::FILE* file) {
+std::string WritePicture(const Page& page, const Label& label, std::FILE* file,
+                         const Objection& objection) {
   if (TooLarge(page, LayOut(page, label))) {
     return "a label of " + std::to_string(label.width_dots) + " x " +
            std::to_string(label.height_dots) + " dots is too large to draw";
@@ -155,8 +176,8 @@ std::string WritePicture(const Page& page, const Label& label, std::FILE* file) 
   if (info == nullptr) {
     error = "no memory for the picture";
   } else {
-    png_init_io(png, file);
-    if (WriteAll(png, info, label, painter) && std::fflush(file) != 0) error = "Write Error";
+    png_set_write_fn(png, file, OnWrite, OnFlush);
+    WriteAll(png, info, label, painter, objection, error);
   }
   png_destroy_write_struct(&png, &info);
   return error;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 
 #include "tspl/label.h"
@@ -38,12 +39,17 @@ struct Layout {
 /// right corner, and rows go from right to left, the first one lowest.
 Layout LayOut(const Page& page, const Label& label);
 
-/// Writes the page as a PNG with a palette to `file`, which stays the caller's, and returns an
-/// empty text; or returns why that failed, with the file half written. `label` is what
-/// MeasureLabel() gave for this page; its resolution goes into the file when it is known. Memory
-/// is a few rows of the picture. A picture of more than a million pixels a side is refused, and so
-/// is one that a wrong SIZE makes so large that drawing it would hardly end.
-std::string WritePicture(const Page& page, const Label& label, std::FILE* file);
+/// Asked before each row of a picture and behind the last one. Returns why it is not to be drawn
+/// on, or an empty text. May not throw.
+using Objection = std::function<std::string()>;
+
+/// Writes the page as a PNG with a palette to `file`, which stays the caller's and is not flushed,
+/// and returns an empty text; or returns why that failed, with the file half written. `label` is
+/// what MeasureLabel() gave for this page; its resolution goes into the file when it is known.
+/// Memory is a few rows of the picture. A picture of more than a million pixels a side is refused,
+/// and so is one that a wrong SIZE makes so large that drawing it would hardly end.
+std::string WritePicture(const Page& page, const Label& label, std::FILE* file,
+                         const Objection& objection = {});
 
 }  // namespace tspl
 

@@ -1,21 +1,12 @@
 #include "tspl/picture_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
-#include "tspl/picture.h"
-
 namespace tspl {
 
-std::string SavePicture(const Page& page, const Label& label, const std::string& path,
-                        Existing existing) {
-  std::FILE* file = std::fopen(path.c_str(), existing == Existing::kKeep ? "wbx" : "wb");
-  if (file == nullptr) return std::strerror(errno);
-  std::string error = WritePicture(page, label, file);
-  if (std::fclose(file) != 0 && error.empty()) error = std::strerror(errno);
-  if (!error.empty()) std::remove(path.c_str());
-  return error;
+std::string SavePicture(const Page& page, const Label& label, files::NewFile& file,
+                        const Objection& objection) {
+  if (file.stream() == nullptr) return file.error();
+  const std::string error = WritePicture(page, label, file.stream(), objection);
+  return error.empty() ? file.Finish() : error;
 }
 
 }  // namespace tspl

@@ -4,21 +4,18 @@
 
 #include <string>
 
+#include "files/new_file.h"
 #include "tspl/label.h"
+#include "tspl/picture.h"
 #include "tspl/reader.h"
 
 namespace tspl {
 
-/// What becomes of a file that is there already.
-enum class Existing {
-  kReplace,
-  kKeep,  // and no picture is made; a symbolic link counts as a file and is not followed
-};
-
-/// Writes the page's picture, as WritePicture() does, to a file at `path`. Returns an empty text,
-/// or why that failed; no file is left then, for half a picture would pass for a whole one.
-std::string SavePicture(const Page& page, const Label& label, const std::string& path,
-                        Existing existing);
+/// Draws the page, as WritePicture() does, into `file` and finishes it. Returns an empty text, or
+/// why that failed: error() of a file that could not be begun, what WritePicture() said, or
+/// Finish().
+std::string SavePicture(const Page& page, const Label& label, files::NewFile& file,
+                        const Objection& objection = {});
 
 }  // namespace tspl
 

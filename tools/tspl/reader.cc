@@ -50,9 +50,9 @@ const std::vector<Rule>& Rules() {
 
 const Rule& RuleOf(Kind kind) { return Rules()[static_cast<std::size_t>(kind)]; }
 
-// Where a whole job can end. Elsewhere the end of the stream is taken too, but is not what one
-// would expect there.
-bool EndsJob(Kind kind) {
+// Where a whole document can end. Elsewhere its end is taken too, but is not what one would expect
+// there.
+bool EndsDocument(Kind kind) {
   return kind == Kind::kPreamble || kind == Kind::kCls || kind == Kind::kPrint;
 }
 
@@ -68,7 +68,8 @@ class Reader {
   }
 
  private:
-  // Which of the commands that may follow the last one does.
+  // Which of the commands that may follow the last one does: one of the same page, the next page,
+  // or the next document.
   bool Choose() {
     const std::vector<Kind>& choices = RuleOf(last_).next;
     std::string expected;
@@ -78,11 +79,17 @@ class Reader {
         chosen_ = choices[i];
         return true;
       }
-      const bool last_choice = i + 1 == choices.size() && !EndsJob(last_);
+      const bool last_choice = i + 1 == choices.size() && !EndsDocument(last_);
       expected += i == 0 ? "" : last_choice ? " or " : ", ";
       expected += Quote(head);
     }
-    if (EndsJob(last_)) expected += " or the end of the stream";
+    if (in_.Sees(RuleOf(Kind::kPreamble).head)) {
+      chosen_ = Kind::kPreamble;
+      return true;
+    }
+    if (EndsDocument(last_)) {
+      expected += ", " + std::string(Name(Kind::kPreamble)) + " or the end of the stream";
+    }
     return in_.Fail(in_.offset(), std::move(expected));
   }
 
@@ -254,6 +261,14 @@ std::string_view Name(Kind kind) {
   if (kind == Kind::kPreamble) return "64 line feeds";
   const std::string_view head = RuleOf(kind).head;
   return head.substr(0, head.find_last_not_of(" \r\n") + 1);
+}
+
+std::size_t CompletePages(const Stream& stream) {
+  const std::size_t pages = stream.pages.size();
+  if (pages == 0) return 0;
+  const Page& last = stream.pages.back();
+  const bool followed = last.first_command + last.command_count < stream.commands.size();
+  return last.copies || followed ? pages : pages - 1;
 }
 
 Stream Read(std::span<const std::uint8_t> bytes) { return Reader(bytes, 0).Run(true); }

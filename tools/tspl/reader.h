@@ -1,5 +1,7 @@
 // Reads the stream of TSPL commands that the filter sends to a printer, and nothing else: what the
-// filter cannot send is an error, even where a printer would take it.
+// filter cannot send is an error, even where a printer would take it. A job of several documents,
+// banner pages among them, is one stream: the filter is started for each of them, and what it sends
+// comes one after another.
 #ifndef TARVO_TSPL_READER_H_
 #define TARVO_TSPL_READER_H_
 
@@ -13,7 +15,8 @@
 
 namespace tspl {
 
-/// The commands, in the order in which a page sends them; the preamble comes once, before all.
+/// The commands, in the order in which a page sends them; the preamble comes before the first page
+/// of each document.
 enum class Kind {
   kPreamble,  // 64 line feeds
   kSize,
@@ -54,7 +57,7 @@ struct Bitmap {
   std::span<const std::uint8_t> data;  // width_bytes x height_dots bytes
 };
 
-/// One page: from its SIZE up to the next one, or to the end of the stream.
+/// One page: from its SIZE up to the next one, or to the end of its document.
 struct Page {
   std::size_t first_command;  // index of its SIZE in Stream::commands
   std::size_t command_count;
@@ -79,15 +82,19 @@ struct Stream {
   std::optional<Malformed> malformed;  // none when the whole stream is good
 };
 
+/// How many pages of the stream are complete, whatever may be wrong behind them or missing: all, or
+/// all but the last. A page is complete with its PRINT, or when another page or document follows.
+std::size_t CompletePages(const Stream& stream);
+
 /// Reads a whole stream. `bytes` may hold anything; they must outlive the result, which points
-/// into them. A stream may end after any complete command, as that of a cancelled job does; a
+/// into them. A document may end after any complete command, as that of a cancelled job does; a
 /// page's `copies` say whether it was printed. Memory is in proportion to the commands that are
 /// there, whatever their numbers claim.
 Stream Read(std::span<const std::uint8_t> bytes);
 
 /// Reads on in a stream whose preamble, or a whole page, ends before `bytes`: as Read(), but
-/// without a preamble. `offset` is where `bytes` stand in the stream, whose start all offsets count
-/// from.
+/// without a preamble at the start. `offset` is where `bytes` stand in the stream, whose start all
+/// offsets count from.
 Stream ReadPages(std::span<const std::uint8_t> bytes, std::uint64_t offset);
 
 /// With this many bytes behind its offset or more, a failure stays one whatever else arrives: no

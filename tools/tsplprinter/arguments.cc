@@ -1,6 +1,7 @@
 #include "tsplprinter/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "program/program.h"
 
@@ -24,11 +25,11 @@ label when a printer would print it. For tests it can be slow, switched on late,
 
 constexpr const char* kFooter = R"(
 The connection:
-  One connection is one job: its bytes up to the end that the client sends. A job is taken at a
-  time, and who connects meanwhile waits. When a job has ended its files are complete, and only
-  then is its connection closed. A connection that brings no byte is no job. Nothing is ever sent
-  to the client. However slow the printer is, the system takes up to some megabytes from a client
-  in advance.
+  One connection is one job: its bytes up to the end that the client sends, of one document or
+  several. A job is taken at a time, and who connects meanwhile waits. When a job has ended its
+  files are complete, and only then is its connection closed. A connection that brings no byte is
+  no job. Nothing is ever sent to the client. However slow the printer is, the system takes up to
+  some megabytes from a client in advance.
 
 The lines, on standard output, each as soon as it is true:
   absent on 127.0.0.1:PORT for SECONDS seconds
@@ -49,25 +50,30 @@ The lines, on standard output, each as soon as it is true:
     stopped      by a signal
 
 The files:
-  DIR/job-1.tspl     what arrived of the first job, whatever it is, byte for byte
+  DIR/job-1.tspl     what arrived of the first job, whatever it is, byte for byte; when it has ended
   DIR/job-1-1.png    its first page, drawn as tsplview --png does; none when the page is not printed
                      or has no dots; copies are drawn once
   Jobs are numbered from 1, or behind the highest number that DIR holds: no file is ever replaced.
-  Two printers can share a folder.
+  Two printers can share a folder. A name always holds a whole file: until it does, the file is a
+  hidden one beside it, which goes when it fails. Nothing in DIR is followed or waited for, such as
+  a link or a pipe with the name of a picture. Files are for their owner alone.
 
   What is malformed is saved too, to the end of the job; the pages before the damage are drawn, and
   the printer goes on with the next job.
 
 Signals:
-  SIGINT and SIGTERM end the printer after what has already arrived of the job, which at a limited
-  speed is what has been taken. The stream so far is saved, the pages that it completes are drawn,
-  and the client's connection is reset.
+  SIGINT and SIGTERM end the printer within a second, after what has already arrived of the job,
+  which at a limited speed is what has been taken. The stream so far is saved, the pages that it
+  completes are drawn, and the client's connection is reset. Pictures that take longer are left out.
+  What hangs, on a disk or because nobody reads its lines, is left as it is, and what was not
+  finished is removed.
 
 Exit status:
   0  after --jobs, SIGINT or SIGTERM, and every job was good
-  1  likewise, but a job was malformed or too large
-  2  wrong usage, the port is taken, or a file or a line could not be written. A stream that cannot
-     be saved ends the printer at once; a picture that cannot be drawn does not.
+  1  likewise, but a job was malformed, too large, or had more pictures than --limit
+  2  wrong usage, the port is taken, or a file or a line could not be written, or not within the
+     second after a signal. A stream that cannot be saved ends the printer at once; a picture that
+     cannot be drawn does not.
 
 Examples:
   A queue for it, whose options are those of a printer with 203 dpi:
@@ -85,6 +91,22 @@ std::string CheckSeconds(const std::string& text) {
   if (CLI::detail::lexical_cast(text, seconds) && seconds >= 0 && seconds <= kMostSeconds)
     return {};
   return "Value " + text + " not in range 0 to 1000000";
+}
+
+// "20" or "20,100".
+void ReadLimit(const std::string& text, Arguments& arguments) {
+  const std::size_t comma = std::min(text.find(','), text.size());
+  std::int64_t pictures = 0;
+  std::int64_t mib = static_cast<std::int64_t>(arguments.most_picture_mib);
+  const bool good =
+      CLI::detail::lexical_cast(text.substr(0, comma), pictures) && pictures >= 1 &&
+      pictures <= kMostNumber &&
+      (comma == text.size() ||
+       (CLI::detail::lexical_cast(text.substr(comma + 1), mib) && mib >= 1 && mib <= kMostMib));
+  if (!good)
+    throw CLI::ValidationError("--limit", "Value " + text + " is not PICTURES or PICTURES,MIB");
+  arguments.most_pictures = static_cast<std::uint64_t>(pictures);
+  arguments.most_picture_mib = static_cast<std::uint64_t>(mib);
 }
 
 }  // namespace
@@ -111,6 +133,12 @@ std::optional<int> ParseArguments(int argc, char** argv, Arguments& arguments) {
                  "(default: 512)")
       ->type_name("N")
       ->check(Range(1, kMostMib));
+  app.add_option_function<std::string>(
+         "--limit", [&](const std::string& text) { ReadLimit(text, arguments); },
+         "Draw at most PICTURES pages of a job, and stop before their files hold more than MIB "
+         "MiB; "
+         "what follows is saved and not drawn (default: 1000,512)")
+      ->type_name("PICTURES[,MIB]");
   app.add_option("--bytes-per-second", arguments.bytes_per_second,
                  "Be slow: take at most N bytes a second")
       ->type_name("N")

@@ -14,6 +14,8 @@ struct Arguments {
   std::optional<int> dpi;                        // 1 or more
   std::optional<std::int64_t> jobs;              // end after so many; 1 or more
   std::int64_t max_job_mib = 512;                // 1 or more
+  std::uint64_t most_pictures = 1000;            // of a job; 1 or more
+  std::uint64_t most_picture_mib = 512;          // of all of them; 1 to kMostMib
   std::optional<std::int64_t> bytes_per_second;  // 1 or more; as fast as they come without it
   double absent_seconds = 0;                     // 0 or more
   std::optional<std::int64_t> drop_after;        // bytes of a job, 1 or more

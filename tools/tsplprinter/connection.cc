@@ -14,7 +14,7 @@ constexpr std::int64_t kTurnsPerSecond = 20;
 
 }  // namespace
 
-Connection::Connection(Descriptor socket, Watch& watch,
+Connection::Connection(files::Descriptor socket, Watch& watch,
                        std::optional<std::int64_t> bytes_per_second)
     : socket_(std::move(socket)),
       watch_(watch),
@@ -27,6 +27,7 @@ Connection::Reading Connection::Read(std::span<std::uint8_t> buffer) {
     buffer = buffer.first(std::min(buffer.size(), static_cast<std::size_t>(turn)));
   }
   for (;;) {
+    if (watch_.Overdue()) return {State::kStopped, 0};
     if (!left_ && !Wait()) left_ = bytes_per_second_ ? 0 : Arrived();
     int flags = MSG_DONTWAIT;
     if (left_ && *left_ == 0) flags |= MSG_PEEK;  // for the end, which may have come as well
@@ -53,7 +54,7 @@ Connection::Reading Connection::Read(std::span<std::uint8_t> buffer) {
 void Connection::Reset() {
   const linger at_once{.l_onoff = 1, .l_linger = 0};
   setsockopt(socket_.number(), SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
-  socket_ = Descriptor();
+  socket_ = files::Descriptor();
 }
 
 bool Connection::Wait() {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <span>
 
-#include "tsplprinter/descriptor.h"
+#include "files/descriptor.h"
 #include "tsplprinter/watch.h"
 
 namespace tsplprinter {
@@ -15,7 +15,7 @@ namespace tsplprinter {
 class Connection {
  public:
   /// Reads at most so many bytes a second, or as fast as they come. `watch` must outlive it.
-  Connection(Descriptor socket, Watch& watch, std::optional<std::int64_t> bytes_per_second);
+  Connection(files::Descriptor socket, Watch& watch, std::optional<std::int64_t> bytes_per_second);
 
   enum class State {
     kBytes,    // there are some
@@ -31,7 +31,8 @@ class Connection {
   /// Waits for bytes and puts them into `buffer`. REQUIRES: it is not empty.
   ///
   /// What had arrived when the process was told to stop is handed out before kStopped, for its
-  /// sender has done its part; not so at a limited speed, where that could take its time.
+  /// sender has done its part; not so at a limited speed, where that could take its time, nor once
+  /// the watch is overdue.
   Reading Read(std::span<std::uint8_t> buffer);
 
   /// Closes the connection so that its client sees it fail rather than end. Nothing may be read
@@ -43,7 +44,7 @@ class Connection {
   bool Wait();
   std::size_t Arrived() const;
 
-  Descriptor socket_;
+  files::Descriptor socket_;
   Watch& watch_;
   std::optional<std::int64_t> bytes_per_second_;
   Clock::time_point next_read_;      // at a limited speed

@@ -49,8 +49,8 @@ void Listener::Listen(bool small_buffer) {
   if (listen(socket_.number(), SOMAXCONN) != 0) Fail(address_);
 }
 
-Descriptor Listener::Accept() {
-  Descriptor client(accept4(socket_.number(), nullptr, nullptr, SOCK_CLOEXEC));
+files::Descriptor Listener::Accept() {
+  files::Descriptor client(accept4(socket_.number(), nullptr, nullptr, SOCK_CLOEXEC));
   if (!client && errno != EAGAIN && errno != ECONNABORTED && errno != EINTR) Fail(address_);
   return client;
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tsplprinter/descriptor.h"
+#include "files/descriptor.h"
 
 namespace tsplprinter {
 
@@ -22,13 +22,13 @@ class Listener {
   void Listen(bool small_buffer);
 
   /// What becomes readable when a client waits.
-  const Descriptor& socket() const { return socket_; }
+  const files::Descriptor& socket() const { return socket_; }
 
   /// The client that waits longest; none when it has gone already. Never blocks.
-  Descriptor Accept();
+  files::Descriptor Accept();
 
  private:
-  Descriptor socket_;
+  files::Descriptor socket_;
   std::string address_;
 };
 

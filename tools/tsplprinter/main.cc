@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "files/unfinished.h"
 #include "program/program.h"
 #include "tsplprinter/arguments.h"
 #include "tsplprinter/printer.h"
@@ -15,6 +16,7 @@ int main(int argc, char** argv) {
     // of them does not mean to switch the printer off.
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     std::signal(SIGPIPE, SIG_IGN);
+    files::RemoveUnfinishedAtSignals();
     const int status = tsplprinter::Print(arguments);
     return program::FinishOutput() ? status : program::kTrouble;
   });

@@ -34,7 +34,7 @@ class Printer {
     if (!SwitchOn()) return program::kGood;
     const std::uint64_t wanted = arguments_.jobs ? Unsigned(*arguments_.jobs) : kNoLimit;
     while (jobs_ < wanted && watch_.Wait(listener_.socket()) == Watch::Event::kReady) {
-      if (Descriptor client = listener_.Accept()) Serve(std::move(client));
+      if (files::Descriptor client = listener_.Accept()) Serve(std::move(client));
     }
     return status_;
   }
@@ -54,7 +54,7 @@ class Printer {
     return true;
   }
 
-  void Serve(Descriptor client) {
+  void Serve(files::Descriptor client) {
     Connection connection(std::move(client), watch_, arguments_.bytes_per_second);
     std::optional<Job> job;
     const Ending ending = Receive(connection, job);
@@ -85,7 +85,7 @@ class Printer {
         case Connection::State::kStopped:
           return Ending::kStopped;
       }
-      if (!job) job.emplace(tray_, arguments_.dpi);
+      if (!job) job.emplace(tray_, watch_, arguments_);
       const std::uint64_t fits = std::min<std::uint64_t>(got, most - taken);
       job->Take(std::span(buffer_).first(fits));
       if (fits < got) return Ending::kTooLarge;

@@ -1,10 +1,8 @@
 #include "tsplprinter/tray.h"
 
-#include <fcntl.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -12,6 +10,8 @@ namespace tsplprinter {
 namespace {
 
 constexpr std::string_view kPrefix = "job-";
+
+constexpr mode_t kOwnersOnly = 0600;
 
 // What tells a job's number from a text that happens to begin like one.
 constexpr std::uint64_t kMostJobs = 1'000'000'000;
@@ -37,22 +37,24 @@ Tray::Tray(const std::string& folder) : folder_(folder) {
   for (const auto& file : files) last_ = std::max(last_, JobOf(file.path().filename().string()));
 }
 
-// Another printer may put jobs into the same folder; whoever makes a file first has its number.
+// Another printer may put jobs into the same folder; whoever begins a file first has its number.
 Tray::JobFile Tray::Begin() {
   for (;;) {
     ++last_;
-    const std::string name = std::string(kPrefix) + std::to_string(last_) + ".tspl";
-    const std::string path = (folder_ / name).string();
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (file) return {last_, path, std::move(file)};
-    if (errno != EEXIST) throw std::system_error(errno, std::generic_category(), path);
+    const std::string name = std::string(kPrefix) + std::to_string(last_);
+    const std::string path = (folder_ / (name + ".tspl")).string();
+    auto stream = std::make_unique<files::NewFile>(path, files::Existing::kKeep, kOwnersOnly,
+                                                   "." + name + ".part");
+    if (stream->error().empty()) return {last_, std::move(stream)};
+    if (!stream->taken()) throw std::runtime_error(path + ": " + stream->error());
   }
 }
 
-std::string Tray::PicturePath(std::uint64_t job, std::size_t page) const {
+std::unique_ptr<files::NewFile> Tray::BeginPicture(std::uint64_t job, std::size_t page) const {
   const std::string name =
       std::string(kPrefix) + std::to_string(job) + "-" + std::to_string(page) + ".png";
-  return (folder_ / name).string();
+  return std::make_unique<files::NewFile>((folder_ / name).string(), files::Existing::kKeep,
+                                          kOwnersOnly);
 }
 
 }  // namespace tsplprinter

@@ -1,13 +1,14 @@
-// The folder that streams and pictures fall into.
+// The folder that streams and pictures fall into. What people print is for its owner's eyes alone.
 #ifndef TARVO_TSPLPRINTER_TRAY_H_
 #define TARVO_TSPLPRINTER_TRAY_H_
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 
-#include "tsplprinter/descriptor.h"
+#include "files/new_file.h"
 
 namespace tsplprinter {
 
@@ -18,15 +19,15 @@ class Tray {
 
   struct JobFile {
     std::uint64_t number;  // of the job, from 1 and behind all that the folder holds
-    std::string path;
-    Descriptor file;  // new, empty, to be written to
+    std::unique_ptr<files::NewFile> stream;
   };
 
-  /// A file for the next job. Throws std::system_error.
+  /// A file for the next job, of whose number there is no other. Throws std::runtime_error.
   JobFile Begin();
 
-  /// Where the picture of a job's page belongs, pages counted from 1.
-  std::string PicturePath(std::uint64_t job, std::size_t page) const;
+  /// Begins the picture of a job's page, pages counted from 1; NewFile::error() says when that
+  /// failed.
+  std::unique_ptr<files::NewFile> BeginPicture(std::uint64_t job, std::size_t page) const;
 
  private:
   std::filesystem::path folder_;

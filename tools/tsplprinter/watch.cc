@@ -1,12 +1,19 @@
 #include "tsplprinter/watch.h"
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <string_view>
 #include <system_error>
+
+#include "files/unfinished.h"
+#include "program/program.h"
 
 namespace tsplprinter {
 namespace {
@@ -20,6 +27,22 @@ int Milliseconds(std::optional<Clock::time_point> until) {
   return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), kLongest).count());
 }
 
+// Whether it is by then.
+bool IsOver(const files::Descriptor& over, Clock::time_point until) {
+  pollfd watched{over.number(), POLLIN, 0};
+  while (poll(&watched, 1, Milliseconds(until)) <= 0) {
+    if (Clock::now() >= until) return false;
+  }
+  return true;
+}
+
+// On standard error, but not when that would block: what the program hangs in may be its reader.
+void Say(std::string_view text) {
+  pollfd watched{STDERR_FILENO, POLLOUT, 0};
+  if (poll(&watched, 1, 0) <= 0) return;
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+}
+
 }  // namespace
 
 Watch::Watch() {
@@ -28,8 +51,28 @@ Watch::Watch() {
   sigaddset(&stop, SIGINT);
   sigaddset(&stop, SIGTERM);
   sigprocmask(SIG_BLOCK, &stop, nullptr);
-  signals_ = Descriptor(signalfd(-1, &stop, SFD_CLOEXEC));
-  if (!signals_) throw std::system_error(errno, std::generic_category(), "signals");
+  signals_ = files::Descriptor(signalfd(-1, &stop, SFD_CLOEXEC));
+  over_ = files::Descriptor(eventfd(0, EFD_CLOEXEC));
+  if (!signals_ || !over_) throw std::system_error(errno, std::generic_category(), "signals");
+  end_ = std::thread([this] { SeeToTheEnd(); });
+}
+
+Watch::~Watch() {
+  const std::uint64_t one = 1;
+  // An event's counter that stands at 0 takes a 1.
+  [[maybe_unused]] const ssize_t written = ::write(over_.number(), &one, sizeof one);
+  end_.join();
+}
+
+void Watch::SeeToTheEnd() {
+  if (Wait(over_) == Event::kReady) return;
+  const auto told = Clock::now();
+  if (IsOver(over_, told + kTimeToFinish)) return;
+  overdue_ = true;
+  if (IsOver(over_, told + kMostToStop)) return;
+  files::RemoveUnfinished();
+  Say("tsplprinter: told to stop: what was not finished by now is removed\n");
+  _exit(program::kTrouble);
 }
 
 // The signal itself is left unread, so that whoever waits next is stopped too.

@@ -19,7 +19,8 @@ The stream:
   SET RIBBON, OFFSET, SET TEAR, SET PEEL, SET CUTTER, CLS, BITMAP with its dots, and PRINT. What
   the filter can leave out may be missing; anything else that it cannot send is an error, even
   where a printer would take it. A stream may end after any complete command, as that of a
-  cancelled job does; the page's line then says that it is not printed.
+  cancelled job does; the page's line then says that it is not printed. Streams may follow one
+  another, as those of a job's documents do; their pages are counted through.
 
 The list:
   Each line is a command's offset in bytes from 0, and its text. A BITMAP is followed by its size
@@ -37,10 +38,15 @@ The pictures:
   makes SIZE out of the dots of the BITMAP (203, 300, 600, less usual ones, then whatever fits),
   and puts it into the file; --dpi overrides it, and the label is then as large as SIZE says.
 
+  A name always holds a whole picture: until it does, the picture is a hidden file in DIR, which goes
+  when drawing fails. A picture replaces a plain file of its name, and nothing else: a link, a pipe
+  or a folder is left alone, and the picture is an error.
+
 Exit status:
   0  the stream is good
   1  it is malformed: standard error says at which byte, what was expected and what was found.
-     --list still shows the commands before that byte; no picture is drawn.
+     The pages that are complete before that byte are still said and drawn, and --list shows the
+     commands.
   2  wrong usage, or a file that cannot be read or written
 
 Examples:

@@ -1,13 +1,21 @@
 // tsplview: checks a stream of TSPL commands, lists it, and draws its pages.
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <span>
 #include <system_error>
 #include <vector>
 
+#include "files/descriptor.h"
+#include "files/new_file.h"
+#include "files/read_whole.h"
+#include "files/unfinished.h"
 #include "program/program.h"
 #include "tspl/label.h"
 #include "tspl/picture_file.h"
@@ -22,29 +30,16 @@ using program::kGood;
 using program::kMalformed;
 using program::kTrouble;
 
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-// All of `in`; false, with errno set, when reading it fails.
-bool ReadWhole(std::FILE* in, std::vector<std::uint8_t>& bytes) {
-  constexpr std::size_t kChunk = 1 << 20;
-  for (;;) {
-    const std::size_t before = bytes.size();
-    bytes.resize(before + kChunk);
-    const std::size_t got = std::fread(bytes.data() + before, 1, kChunk, in);
-    bytes.resize(before + got);
-    if (got < kChunk) return std::ferror(in) == 0;
-  }
-}
+// What pictures are made with, less the user's umask.
+constexpr mode_t kPictureMode = 0666;
 
 int ReadStream(const std::string& name, std::vector<std::uint8_t>& bytes) {
   if (name == "-") {
-    return ReadWhole(stdin, bytes) ? kGood : Complain("standard input", std::strerror(errno));
+    return files::ReadWhole(STDIN_FILENO, bytes) ? kGood
+                                                 : Complain("standard input", std::strerror(errno));
   }
-  const File file(std::fopen(name.c_str(), "rb"));
-  if (!file || !ReadWhole(file.get(), bytes)) return Complain(name, std::strerror(errno));
+  const files::Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file || !files::ReadWhole(file.number(), bytes)) return Complain(name, std::strerror(errno));
   return kGood;
 }
 
@@ -57,10 +52,17 @@ void List(const tspl::Stream& stream) {
   }
 }
 
+// Of a malformed stream, the pages before the damage are good, and that is all that is known of it.
+std::span<const tspl::Page> GoodPages(const tspl::Stream& stream) {
+  const std::size_t good = stream.malformed ? CompletePages(stream) : stream.pages.size();
+  return std::span(stream.pages).first(good);
+}
+
 void Summarise(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
-  if (stream.pages.empty()) std::puts("no pages");
-  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
-    const tspl::Page& page = stream.pages[i];
+  if (stream.pages.empty() && !stream.malformed) std::puts("no pages");
+  const std::span<const tspl::Page> pages = GoodPages(stream);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    const tspl::Page& page = pages[i];
     const tspl::Command& last = stream.commands[page.first_command + page.command_count - 1];
     const std::string line = tspl::PageLine(page, last, tspl::MeasureLabel(page, arguments.dpi));
     std::printf("page %zu: %s\n", i + 1, line.c_str());
@@ -72,14 +74,15 @@ int Draw(const tspl::Stream& stream, const tsplview::Arguments& arguments) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) return Complain(folder.string(), error.message());
-  for (std::size_t i = 0; i < stream.pages.size(); ++i) {
-    const tspl::Page& page = stream.pages[i];
+  const std::span<const tspl::Page> pages = GoodPages(stream);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    const tspl::Page& page = pages[i];
     const std::optional<tspl::Label> label = tspl::MeasureLabel(page, arguments.dpi);
     if (!label) continue;
     const std::string name = arguments.name + "-" + std::to_string(i + 1) + ".png";
-    const std::string path = (folder / name).string();
-    const std::string why = tspl::SavePicture(page, *label, path, tspl::Existing::kReplace);
-    if (!why.empty()) return Complain(path, why);
+    files::NewFile file((folder / name).string(), files::Existing::kReplace, kPictureMode);
+    const std::string why = tspl::SavePicture(page, *label, file);
+    if (!why.empty()) return Complain(file.path(), why);
   }
   return kGood;
 }
@@ -91,16 +94,15 @@ int Run(const tsplview::Arguments& arguments) {
 
   if (arguments.list) {
     List(stream);
-  } else if (!stream.malformed) {
+  } else {
     Summarise(stream, arguments);
   }
   if (!program::FinishOutput()) return kTrouble;
 
-  if (stream.malformed) {
-    Complain(arguments.file, tspl::MalformedLine(*stream.malformed));
-    return kMalformed;
-  }
-  return arguments.png ? Draw(stream, arguments) : kGood;
+  const int drawn = arguments.png ? Draw(stream, arguments) : kGood;
+  if (!stream.malformed) return drawn;
+  Complain(arguments.file, tspl::MalformedLine(*stream.malformed));
+  return std::max(drawn, kMalformed);
 }
 
 }  // namespace
@@ -109,6 +111,7 @@ int main(int argc, char** argv) {
   return program::Main("tsplview", [&] {
     tsplview::Arguments arguments;
     if (const auto status = tsplview::ParseArguments(argc, argv, arguments)) return *status;
+    files::RemoveUnfinishedAtSignals();
     return Run(arguments);
   });
 }

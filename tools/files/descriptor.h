@@ -1,12 +1,12 @@
 // A file descriptor that is closed when its owner goes.
-#ifndef TARVO_TSPLPRINTER_DESCRIPTOR_H_
-#define TARVO_TSPLPRINTER_DESCRIPTOR_H_
+#ifndef TARVO_FILES_DESCRIPTOR_H_
+#define TARVO_FILES_DESCRIPTOR_H_
 
 #include <unistd.h>
 
 #include <utility>
 
-namespace tsplprinter {
+namespace files {
 
 class Descriptor {
  public:
@@ -29,6 +29,6 @@ class Descriptor {
   int number_ = -1;
 };
 
-}  // namespace tsplprinter
+}  // namespace files
 
-#endif  // TARVO_TSPLPRINTER_DESCRIPTOR_H_
+#endif  // TARVO_FILES_DESCRIPTOR_H_

@@ -9,7 +9,9 @@
 
 CommandResult runCommand(const std::string& command) {
   CommandResult result;
-  std::FILE* pipe = popen(command.c_str(), "r");
+  // Some of CUPS's programs are where only root's path leads.
+  const std::string found = "PATH=$PATH:/usr/sbin:/sbin; " + command;
+  std::FILE* pipe = popen(found.c_str(), "r");
   if (pipe == nullptr) return result;
   char buffer[4096];
   std::size_t count = 0;

@@ -46,7 +46,7 @@ class QueueTest(unittest.TestCase):
 
     def print(self, *arguments, queue=True):
         return subprocess.run([RUN, *["--queue"] * queue, "--out", self.out, *arguments],
-                              env=self.environment, text=True, capture_output=True, timeout=25,
+                              env=self.environment, text=True, capture_output=True, timeout=120,
                               umask=0o022)
 
     def started(self):
@@ -148,7 +148,7 @@ class QueueTest(unittest.TestCase):
                     self.assertNotEqual(done.returncode, 0, done.stdout)
                     self.assertNotIn("label-203dpi", done.stdout)
         process.send_signal(signal.SIGCONT)
-        said, error = process.communicate(timeout=30)
+        said, error = process.communicate(timeout=120)
         self.assertEqual(process.returncode, 0, said + error)
 
     def test_what_is_printed_is_for_its_owner_alone(self):
@@ -182,7 +182,7 @@ class QueueTest(unittest.TestCase):
                 self.assertTrue(any(said.startswith(line) for said in process.stdout))
                 self.assertTrue(any("cupsd" in command for command in self.left()))
                 os.killpg(process.pid, number)  # as Ctrl-C in a terminal: all of the group
-                _, error = process.communicate(timeout=30)
+                _, error = process.communicate(timeout=120)
                 self.assertEqual(process.returncode, status, error)
                 if number != signal.SIGKILL:
                     self.assertIn("Stopped.", error)

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """tarvo-report against a print server that is not there: commands and files that say what one says."""
 import os
+import re
 import shutil
 import signal
 import stat
@@ -16,7 +17,6 @@ case "$*" in
   -d) echo "system default destination: label" ;;
   -r) cat "$(dirname "$0")/running" ;;
   "-W all -o label")
-    echo "label-7                 gretchen          1024   Sat Nov 21 07:00:00 2026"
     echo "label-8                 Hans Im Glück     1024   Sat Nov 21 07:00:00 2026" ;;
   "-o label") echo "label-8 Hans Im Glück 1024 Sat Nov 21 07:00:00 2026" ;;
   *label* | *LABEL*) echo "printer label is idle."
@@ -52,7 +52,8 @@ E [21/Nov/2026:07:00:03 +0000] [Job 9] nobody's business
 E [21/Nov/2026:07:00:04 +0000] [Client 4] Returning IPP client-error-document-format-not-supported for Send-Document (ipp://localhost:631/printers/label) from desk4.example
 E [21/Nov/2026:07:00:04 +0000] label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory
 E [21/Nov/2026:07:00:04 +0000] other: File "nobody's business" not available: No such file or directory
-E [21/Nov/2026:07:00:04 +0000] [Client 5] Returning IPP client-error-not-found for Send-Document (ipp://localhost:631/printers/label2) from desk4.example
+E [21/Nov/2026:07:00:04 +0000] [Client 5] Returning IPP client-error-not-found for Send-Document (ipp://localhost:631/printers/label2) from desk7.example
+E [21/Nov/2026:07:00:04 +0000] [Client 6] Unsupported document-format "application/x-desk7".
 """
 SECRETS = ("gretchen\"", "by gretchen", "hans", "zacharias", "Acme", "Offer", "hunter2", "bob", "4711",
            "desk4", "e6687942", "nobody's business")
@@ -82,7 +83,7 @@ class ReportTest(unittest.TestCase):
 
     def run_report(self, *arguments):
         return subprocess.run(
-            ["bash", REPORT, *arguments], text=True, capture_output=True, cwd=self.folder, timeout=30,
+            ["bash", REPORT, *arguments], text=True, capture_output=True, cwd=self.folder, timeout=100,
             env=dict(os.environ, PATH=self.path("bin") + ":" + os.environ["PATH"],
                      TMPDIR=self.path("temporary")), umask=0)
 
@@ -96,6 +97,15 @@ class ReportTest(unittest.TestCase):
     def read(self, name):
         with open(self.path(name), encoding="utf-8") as file:
             return file.read()
+
+    def install_filters(self, *names):
+        """Where cups-config says they are."""
+        self.write("bin/cups-config", f"#!/bin/sh\necho {self.folder}\n")
+        os.chmod(self.path("bin/cups-config"), 0o755)
+        os.mkdir(self.path("filter"))
+        for name in names:
+            self.write("filter/" + name, "#!/bin/sh\necho its version\n\n")
+            os.chmod(self.path("filter/" + name), 0o755)
 
     def assert_refused(self, ran, reason):
         """It ends with a message and a status, and leaves nothing."""
@@ -135,8 +145,9 @@ class ReportTest(unittest.TestCase):
             "[Job 8] Job stopped due to filter errors; please consult the log.",
             "[Client 4] Returning IPP client-error-document-format-not-supported for Send-Document "
             "(ipp://localhost:631/printers/label) from (hidden)",
-            'label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory'])
-        self.assertIn("the log: 10 lines about the queue", said)
+            'label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory',
+            '[Client 6] Unsupported document-format "application/x-(hidden)".'])
+        self.assertIn("the log: 11 lines about the queue", said)
 
     def test_nothing_secret_is_anywhere_in_the_report(self):
         said, report = self.report("label")
@@ -148,23 +159,50 @@ class ReportTest(unittest.TestCase):
     def test_only_the_last_lines_of_the_log_are_taken(self):
         _, report = self.report("--lines", "2", "label")
         self.assertEqual([word in line for word, line in
-                          zip(("[Client 4]", "label: File"), self.section(report, "Log"))], [True] * 2)
+                          zip(("label: File", "[Client 6]"), self.section(report, "Log"))], [True] * 2)
         self.assertEqual(len(self.section(report, "Log")), 2)
 
     def test_the_newest_recording_is_listed_and_long_lists_are_cut(self):
         for name in ("tarvo-20261121070000.bin", "tarvo-20261121065959.bin", "tarvo.bin"):
-            self.write(name, "x")
+            self.write(name, "x, of Gretchen")
         said, report = self.report("label")
         newest = self.path("tarvo-20261121070000.bin")
         self.assertIn(f"  read      the last recorded stream: {newest}", said)
         lines = self.section(report, "Recorded stream")
         # The file, 301 lines of which 80 and 40 are kept, and what was left out.
-        self.assertEqual(lines[1], "--list -: x")
+        self.assertEqual(lines[1], "--list -: x, of (hidden)")
         self.assertEqual(lines[80:83], ["command 79", "... 181 lines left out ...", "command 261"])
         self.assertEqual((len(lines), lines[-1]), (1 + 80 + 1 + 40, "command 300"))
 
     def test_the_default_queue_is_taken_where_none_is_named(self):
         self.assertIn('About the queue "label":', self.report()[0])
+
+    # A print server that hangs does not hang the report.
+    def test_what_is_asked_has_a_time_to_answer_in(self):
+        self.write("tarvo-20261121070000.bin", "x")
+        self.write("bin/timeout", f"""#!/bin/sh
+echo "$@" >>{self.path('timed')}
+exec {shutil.which('timeout')} "$@"
+""")
+        os.chmod(self.path("bin/timeout"), 0o755)
+        self.report()
+        timed = self.read("timed")
+        for program in ("lpstat -d", "lpstat -p", "lpstat -W", "lpstat -o", "lpoptions", "gs", "dpkg-query",
+                        "tsplview", "dd"):
+            with self.subTest(program):
+                self.assertRegex(timed, rf"(?m)^(--foreground )?15 {program}( |$)")
+
+    def test_there_is_no_default_queue(self):
+        self.write("bin/lpstat", "#!/bin/sh\necho no system default destination\n")
+        self.assert_refused(self.run_report(), 'there is no default queue; name one of those that "lpstat -e"')
+
+    # A status says so as well as words do.
+    def test_a_program_that_fails(self):
+        for program, what in (("lpstat", "the queue's state"), ("lpoptions", "the queue's options")):
+            self.write("bin/" + program, "#!/bin/sh\necho some trouble; exit 3\n")
+            said, report = self.report("label")
+            self.assertIn(f"  not read  {what}: some trouble\n", said)
+            os.remove(self.path("report"))
 
     def test_what_is_missing_is_said(self):
         for name in ("log", "ppd"):
@@ -186,16 +224,22 @@ class ReportTest(unittest.TestCase):
     def test_a_queue_in_capital_letters_is_the_same(self):
         said, report = self.report("LABEL")
         self.assertIn('About the queue "label":', said)
-        self.assertEqual(len(self.section(report, "Log")), 10)
+        self.assertEqual(len(self.section(report, "Log")), 11)
 
     def test_each_part_says_what_it_is_for(self):
         self.write("tarvo-20261121070000.bin", "x")
         self.write("origin_1.bmp", "x")
         self.write("dithered_1.bmp", "x")
+        os.mkdir(self.path("origin_2.bmp"))
+        self.write("origin_2.bmp/origin_3.bmp", "x")
+        self.install_filters("rastertotarvo")
+        with open("/etc/os-release", encoding="utf-8") as file:
+            system = re.search(r'^PRETTY_NAME="?([^"\n]*)', file.read(), re.M)[1]
         said, report = self.report("label")
         for part, words in (("Versions", "printer-driver-tarvo"), ("Versions", "libcups2"),
                             ("Versions", "Ghostscript "), ("Versions", "rastertotarvo: "),
-                            ("Versions", os.uname().release), ("State", "printer label is idle."),
+                            ("Versions", "its version"),
+                            ("Versions", os.uname().release), ("Versions", system), ("State", "printer label is idle."),
                             ("State", "Jobs that are not finished: 1"),
                             ("Options", "PaperType/Paper: *LabelGaps"),
                             ("Disk", "Mounted on"),
@@ -204,7 +248,8 @@ class ReportTest(unittest.TestCase):
                             ("What was read", "  read      the queue's options")):
             with self.subTest(part=part, words=words):
                 self.assertIn(words, "\n".join(self.section(report, part)))
-        for read in ("versions", "the queue's state", "the queue's options", "the log: 10 lines",
+        self.assertNotIn("Filesystem", report)  # it may be another computer's
+        for read in ("versions", "the queue's state", "the queue's options", "the log: 11 lines",
                      "the last recorded stream: ", "the queue's model"):
             self.assertIn("  read      " + read, said)
         self.assertNotIn("not read", said)
@@ -222,11 +267,10 @@ class ReportTest(unittest.TestCase):
 
     # As cups-files.conf names it, and not a file at all.
     def test_the_log_is_looked_for_where_cups_writes_it(self):
-        self.write("bin/cups-config", f"#!/bin/sh\necho {self.folder}\n")
-        os.chmod(self.path("bin/cups-config"), 0o755)
-        for setting, outcome in ((f"ErrorLog {self.path('log')}", "read      the log: 10 lines"),
+        self.install_filters()
+        for setting, outcome in ((f"ErrorLog {self.path('log')}", "read      the log: 11 lines"),
                                  (f"ErrorLog /none\n  ErrorLog {self.path('log')}",
-                                  "read      the log: 10 lines"),
+                                  "read      the log: 11 lines"),
                                  ("ErrorLog syslog", "not read  the log: CUPS writes it to syslog: add"),
                                  ("ErrorLog stderr", "not read  the log: CUPS writes it to stderr")):
             with self.subTest(setting=setting):
@@ -246,18 +290,24 @@ class ReportTest(unittest.TestCase):
     def test_names_are_hidden_however_short_and_in_either_case(self):
         self.assertEqual(self.hidden(
             'Queued on "label" by "jo".', 'Queued on "label" by "Q".', 'Queued on "label" by "42".',
+            # Of the log's own words, and of the queue's name.
+            'Queued on "label" by "Nov".', 'Queued on "label" by "Label".', "in nov, on label and Label",
+            # Of another name's words.
+            'argv[3]="jo and the whale"', "jo and the whale; jo and",
             'argv[2]="Ångström"', 'argv[3]="-"',
             "for Gretchen, GRETCHEN and gretchen's gretchen_2, not for gretchens",
-            "jo and JO, in /home/jo/x and jo@host, jo2; not in job and banjo",
+            "jo and JO, in /home/jo/x and jo@host, jo2; not in job, banjo, éjo, joé",
             "of q and Q: quite", "page 42 of 142, 42nd, 4 and 2",
-            "of hans im glück and HANS IM GLÜCK", "ÅNGSTRÖM, ångström; 5 - 3",
+            "of hans im glück and HANS IM GLÜCK", "ÅNGSTRÖM, ångström, Öngström; 5 - 3",
             r'argv[2]="b\\o \"x\""', r'title=\"Offer for \"Acme\" (42 pages)\" of b\\O \"X\", b\o "x"'), [
             'Queued on "label" by (hidden).', 'Queued on "label" by (hidden).',
-            'Queued on "label" by (hidden).', "argv[2]=(hidden)", "argv[3]=(hidden)",
+            'Queued on "label" by (hidden).', 'Queued on "label" by (hidden).',
+            'Queued on "label" by (hidden).', "in (hidden), on label and Label",
+            "argv[3]=(hidden)", "(hidden); (hidden) and", "argv[2]=(hidden)", "argv[3]=(hidden)",
             "for (hidden), (hidden) and (hidden)'s (hidden)_2, not for gretchens",
-            "(hidden) and (hidden), in /home/(hidden)/x and (hidden)@host, (hidden)2; not in job and banjo",
+            "(hidden) and (hidden), in /home/(hidden)/x and (hidden)@host, (hidden)2; not in job, banjo, éjo, joé",
             "of (hidden) and (hidden): quite", "page (hidden) of 142, (hidden)nd, 4 and 2",
-            "of (hidden) and (hidden)", "(hidden), (hidden); 5 - 3",
+            "of (hidden) and (hidden)", "(hidden), (hidden), Öngström; 5 - 3",
             "argv[2]=(hidden)", r'title=\"(hidden)\" of (hidden), (hidden)'])
 
     def test_names_are_hidden_outside_of_the_log(self):
@@ -265,21 +315,47 @@ class ReportTest(unittest.TestCase):
         self.assertEqual(self.section(report, "State")[:2],
                          ["printer label is idle.", "\t(hidden): no paper, (hidden)"])
 
+    def test_names_are_hidden_in_paths(self):
+        os.mkdir(self.path("Gretchen"))
+        self.write("ppd", f'*tarvoFilterOutputFile: "{self.path("Gretchen/tarvo")}"\n')
+        self.write("Gretchen/tarvo-20261121070000.bin", "x")
+        said, report = self.report("label")
+        self.assertNotIn("Gretchen", said)
+        # The model alone, which is the owner's of the queue, is shown as it is.
+        self.assertNotIn("Gretchen", report.replace("\n".join(self.section(report, "The queue's model")), ""))
+        for part, words in (("Recorded stream", "/(hidden)/tarvo-20261121070000.bin, 1 bytes"),
+                            ("Disk", "1 pictures of pages and recordings in "),
+                            ("What was read", "the last recorded stream: ")):
+            self.assertIn(words, "\n".join(self.section(report, part)))
+        os.remove(self.path("report"))
+        os.rename(self.path("log"), self.path("Gretchen/log"))
+        os.mkdir(self.path("Gretchen/ppd"))
+        ran = self.run_report("--log", self.path("Gretchen/log"), "--ppd", self.path("Gretchen/ppd"),
+                              "--out", self.path("report"), "label")
+        self.assertIn(f"  not read  the queue's model: {self.folder}/(hidden)/ppd is no file", ran.stdout)
+        self.assertIn(f"Not read: {self.folder}/(hidden)/ppd is no file", self.read("report"))
+
     # Of an address that is none of the queue's, and of this machine.
     def test_host_names_are_hidden(self):
         self.write("bin/uname", f"""#!/bin/sh
-[ "$*" != -n ] || exec echo Here.example
+[ "$*" != -n ] || exec cat {self.path('bin/node')}
 exec {shutil.which('uname')} "$@"
 """)
         os.chmod(self.path("bin/uname"), 0o755)
+        self.write("bin/node", "Here.example\n")
         self.assertEqual(self.hidden(
             'argv[5]="job-originating-host-name=Desk5.example"',
             'argv[5]="job-originating-host-name=192.0.2.77"',
+            'argv[5]="job-originating-host-name=localhost"', 'argv[5]="job-originating-host-name=127.0.0.1"',
             "desk4.example, DESK4 and 4desk at Desk5 or desk5.example:631, localhost, ipp://localhost:631/",
-            "there, here or here.EXAMPLE", "from 192.0.2.77"), [
-            "argv[5]= (others hidden)", "argv[5]= (others hidden)",
+            "there, here or here.EXAMPLE; desk7 of another queue", "from 192.0.2.77, not from 192 or 127.0.0.1"), [
+            *["argv[5]= (others hidden)"] * 4,
             "(hidden), (hidden) and 4desk at (hidden) or (hidden):631, localhost, ipp://localhost:631/",
-            "there, (hidden) or (hidden)", "from (hidden)"])
+            "there, (hidden) or (hidden); (hidden) of another queue", "from (hidden), not from 192 or 127.0.0.1"])
+        # A machine's name may be one that says nothing.
+        for node in ("LABEL", "Localhost"):
+            self.write("bin/node", node + "\n")
+            self.assertEqual(self.hidden("label on localhost"), ["label on localhost"])
 
     def test_attributes_of_people_are_hidden_and_what_they_say_is_too(self):
         self.assertEqual(self.hidden(
@@ -329,9 +405,12 @@ exec {shutil.which('uname')} "$@"
                          ['*PPD-Adobe: "4.3"', "*Password: (hidden)", '*Uri: "ipp://(hidden)@host/?(hidden)"'])
 
     def test_whose_the_filters_are_is_said_by_number(self):
-        for line in self.section(self.report("label")[1], "Versions"):
-            if "/filter/" in line and "missing" not in line:
-                self.assertRegex(line, r": \d+ bytes, -[rwx-]{9}, user \d+, group \d+$")
+        self.install_filters("rastertotarvo", "imagetopicture")
+        filters = [line.rpartition("/")[2] for line in self.section(self.report("label")[1], "Versions")
+                   if "/filter/" in line]
+        mine = f"-rwxr-xr-x, user {os.geteuid()}, group {os.getegid()}"
+        self.assertEqual(filters, [f"rastertotarvo: 28 bytes, {mine}", "rastertoaligned: missing",
+                                   f"imagetopicture: 28 bytes, {mine}", "picturetolayout: missing"])
 
     # What others may have planted
 
@@ -437,7 +516,7 @@ case "$*" in *,*bin) rm -f {self.path('tarvo-20261121070000.bin')}
             self.assertIsNone(process.poll())
             time.sleep(0.02)
         os.killpg(process.pid, signal.SIGINT)
-        self.assertNotEqual(process.wait(10), 0)
+        self.assertEqual(process.wait(60), 2)
         self.assertFalse(os.path.exists(self.path("report")))
         self.assert_nothing_is_left()
 
@@ -448,8 +527,10 @@ case "$*" in *,*bin) rm -f {self.path('tarvo-20261121070000.bin')}
 
     def test_no_file_is_overwritten(self):
         self.write("report", "mine")
+        self.write("bin/lpoptions", f"#!/bin/sh\necho >{self.path('asked')}\n")
         self.assert_refused(self.run_report("--out", self.path("report"), "label"), "it is there already")
         self.assertEqual(self.read("report"), "mine")
+        self.assertFalse(os.path.exists(self.path("asked")), "it was gathered in vain")
 
     def test_a_folder_that_cannot_be_written_into(self):
         self.assert_refused(self.run_report("--out", self.path("none/report"), "label"),

@@ -228,6 +228,21 @@ TEST(RasterToAligned, MakesUpForNoMoreRowsThanALabelHas) {
   }
 }
 
+// And any number of dots in a row, which the next filter holds.
+TEST(RasterToAligned, MakesUpForNoMoreThan64MiB) {
+  constexpr unsigned kWidth = 8192;
+  constexpr unsigned kMostRows = (64U << 20U) / kWidth;
+  for (const unsigned missing : {kMostRows, kMostRows + 1}) {
+    Page page = grayPage(kWidth, 1, Drawing::Full);
+    page.header.cupsHeight = 1 + missing;
+    support::Program program = alignProgram(support::uncheckedRasterFile({page}));
+    const Outcome outcome = support::run(program);
+    EXPECT_EQ(outcome.ending(), "exit status 1");
+    const std::size_t paper = missing <= kMostRows ? std::size_t{kWidth} * missing : 0;
+    EXPECT_EQ(outcome.output.size(), 4 + sizeof page.header + kWidth + paper) << missing;
+  }
+}
+
 // Nobody knows what is paper in it.
 TEST(RasterToAligned, LeavesAnotherPageThatIsCutShortAsItIs) {
   Page page = grayPage(13, 5, Drawing::Full);

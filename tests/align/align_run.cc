@@ -7,6 +7,7 @@ support::Program alignProgram(std::string raster) {
   support::Program program;
   program.executable = RASTERTOALIGNED;
   program.arguments = {"rastertoaligned", "7", "user", "title", "1", ""};
+  program.environment = {{"PPD", std::nullopt}};
   program.input = support::PipedBytes{std::move(raster)};
   return program;
 }

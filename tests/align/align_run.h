@@ -8,7 +8,8 @@
 #include "support/process.h"
 #include "support/raster.h"
 
-/// The filter with the arguments of a job and `raster` on standard input.
+/// The filter with the arguments of a job and `raster` on standard input, for a queue without a
+/// PPD.
 support::Program alignProgram(std::string raster);
 
 /// What it does with them.

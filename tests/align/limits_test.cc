@@ -63,7 +63,6 @@ TEST_F(Limits, PagesOfAnyKindAreLimited) {
 TEST(LimitsOfAnyModel, APageOfMoreThan256MiBEndsTheJobWithoutAPpd) {
   Page page{support::grayHeader(16384, 16385), {}};
   support::Program program = alignProgram(support::uncheckedRasterFile({page}));
-  program.environment = {{"PPD", std::nullopt}};
   Outcome outcome = support::run(program);
   EXPECT_EQ(outcome.ending(), "exit status 1");
   EXPECT_EQ(outcome.error,
@@ -75,7 +74,6 @@ TEST(LimitsOfAnyModel, APageOfMoreThan256MiBEndsTheJobWithoutAPpd) {
   page.header.cupsColorOrder = CUPS_ORDER_PLANAR;
   page.header.cupsNumColors = 3;
   program = alignProgram(support::uncheckedRasterFile({page}));
-  program.environment = {{"PPD", std::nullopt}};
   outcome = support::run(program);
   EXPECT_EQ(outcome.ending(), "exit status 1");
   EXPECT_EQ(outcome.error,

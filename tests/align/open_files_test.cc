@@ -14,7 +14,8 @@ TEST(OpenFiles, OfRasterToAlignedAreClosedInEveryProgramItWouldStart) {
   support::writeFile(folder / "job.ras", support::rasterFile({page}));
   support::Program program = alignProgram("");
   program.arguments.push_back(folder / "job.ras");
-  program.environment = {{"LD_PRELOAD", WITNESS},
+  program.environment = {{"PPD", std::nullopt},
+                         {"LD_PRELOAD", WITNESS},
                          {"ASAN_OPTIONS", "verify_asan_link_order=0"},
                          {"TARVO_TEST_OPENED", folder / "opened"}};
   const support::Outcome outcome = support::run(program);

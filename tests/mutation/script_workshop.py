@@ -47,7 +47,7 @@ def alone():
 
 
 class ScriptWorkshop:
-    def __init__(self, home, _):
+    def __init__(self, home, *_):
         self.tree = os.path.join(home, "tree")
         self.build = os.path.join(home, "scripts")
         self.seconds_of = {}  # command: how long it takes unchanged
@@ -72,10 +72,11 @@ class ScriptWorkshop:
                            TARVO_BUILD_DIR=self.build, TARVO_SOURCE_DIR=self.tree,
                            TARVO_REPORT=os.path.join(self.tree, "tools/tarvo-report"))
         environment.pop("PPD", None)
-        name = os.path.basename(command[0]).removesuffix(".py")
-        if name == "package_test":
+        name = os.path.relpath(command[0], os.path.join(self.tree, "tests")).removesuffix(".py")
+        if name == "package/package_test":
             name += f" {command[1]}"
         with tempfile.TemporaryDirectory(prefix="m", ignore_cleanup_errors=True) as folder:
+            os.chmod(folder, 0o755)  # a CUPS started by root runs its filters as another user
             try:
                 result = subprocess.run([*self.alone, sys.executable, "-B", *command], cwd=folder,
                                         env=dict(environment, TMPDIR=folder), stdin=subprocess.DEVNULL,

@@ -46,7 +46,8 @@ TOOLS = {"tspl_test", "tsplview_test", "tsplprinter_test"}
 # it has tests of its own.
 WITHOUT = {folder: {"rastertoaligned_test"} for folder in ("printer", "filter")} | \
           {folder: set(DRIVEN) for folder in ("image", "enhance", "kernels")} | \
-          {"tools": set(PROGRAMS) - TOOLS}
+          {"tools": set(PROGRAMS) - TOOLS,
+           "align": set(PROGRAMS) - {"page_alignment_test", "rastertoaligned_test"}}
 EXTRA_TARGETS = [*STARTED, "tarvo_test_redirect", "tarvo_test_witness"]
 
 
@@ -68,8 +69,11 @@ def floor_of(file):
 
 
 class Workshop:
-    def __init__(self, home, number):
+    def __init__(self, home, number, folders):
+        """`folders`: those of the mutants; what none of them is put to is not built."""
         self.home = home
+        self.programs = [name for name in PROGRAMS
+                         if any(name not in WITHOUT.get(folder, ()) for folder in folders)]
         self.tree = os.path.join(home, "tree")
         self.build = os.path.join(home, str(number))
         self.scratch = os.path.join(self.build, "mutant")
@@ -87,10 +91,10 @@ class Workshop:
         call("cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DTARVO_TESTS=ON",
              "-DCMAKE_BUILD_TYPE=Mutation",
              "-DCMAKE_CXX_FLAGS=" + flags, "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld")
-        call("ninja", "-C", self.build, *PROGRAMS, *EXTRA_TARGETS)
+        call("ninja", "-C", self.build, *self.programs, *EXTRA_TARGETS)
         self.read_commands()
         self.precompile()
-        for name in PROGRAMS:
+        for name in self.programs:
             before = resource.getrusage(resource.RUSAGE_CHILDREN)
             outcome = self.run(name, os.path.join(self.build, self.output[name]))
             after = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -121,7 +125,7 @@ class Workshop:
             self.source_of[target] = os.path.relpath(source, self.tree)
 
         self.link_of, self.output = {}, {}
-        for name in [*PROGRAMS, *STARTED]:
+        for name in [*self.programs, *STARTED]:
             command = call("ninja", "-C", self.build, "-t", "commands", name).splitlines()[-1]
             words = shlex.split(command)
             words = words[words.index("&&") + 1:]
@@ -268,7 +272,7 @@ class Workshop:
     def programs_for(self, file):
         """The folder's own tests first, then the quickest."""
         folder = file.split("/")[0]
-        names = [name for name in PROGRAMS if name not in WITHOUT.get(folder, ())]
+        names = [name for name in self.programs if name not in WITHOUT.get(folder, ())]
         return sorted(names, key=lambda name: (PROGRAMS[name] != folder, name in DRIVEN,
                                                self.time_of[name]))
 

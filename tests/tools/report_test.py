@@ -53,6 +53,9 @@ E [21/Nov/2026:07:00:04 +0000] [Client 4] Returning IPP client-error-document-fo
 E [21/Nov/2026:07:00:04 +0000] label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory
 E [21/Nov/2026:07:00:04 +0000] other: File "nobody's business" not available: No such file or directory
 E [21/Nov/2026:07:00:04 +0000] [Client 5] Returning IPP client-error-not-found for Send-Document (ipp://localhost:631/printers/label2) from desk7.example
+D [21/Nov/2026:07:00:04 +0000] [Client 6] Accepted from desk8.example:50000 (IPv4)
+D [21/Nov/2026:07:00:04 +0000] [Client 6] Returning IPP successful-ok for Get-Jobs (no URI) from desk9.example.
+E [21/Nov/2026:07:00:04 +0000] [Client 6] Returning IPP client-error-not-possible for Print-Job (ipp://localhost:631/printers/label) from localhost.
 E [21/Nov/2026:07:00:04 +0000] [Client 6] Unsupported document-format "application/x-desk7".
 """
 SECRETS = ("gretchen\"", "by gretchen", "hans", "zacharias", "Acme", "Offer", "hunter2", "bob", "4711",
@@ -146,8 +149,10 @@ class ReportTest(unittest.TestCase):
             "[Client 4] Returning IPP client-error-document-format-not-supported for Send-Document "
             "(ipp://localhost:631/printers/label) from (hidden)",
             'label: File "/usr/lib/cups/filter/rastertotarvo" not available: No such file or directory',
+            "[Client 6] Returning IPP client-error-not-possible for Print-Job "
+            "(ipp://localhost:631/printers/label) from (hidden)",
             '[Client 6] Unsupported document-format "application/x-(hidden)".'])
-        self.assertIn("the log: 11 lines about the queue", said)
+        self.assertIn("the log: 12 lines about the queue", said)
 
     def test_nothing_secret_is_anywhere_in_the_report(self):
         said, report = self.report("label")
@@ -159,7 +164,7 @@ class ReportTest(unittest.TestCase):
     def test_only_the_last_lines_of_the_log_are_taken(self):
         _, report = self.report("--lines", "2", "label")
         self.assertEqual([word in line for word, line in
-                          zip(("label: File", "[Client 6]"), self.section(report, "Log"))], [True] * 2)
+                          zip(("from (hidden)", "[Client 6]"), self.section(report, "Log"))], [True] * 2)
         self.assertEqual(len(self.section(report, "Log")), 2)
 
     def test_the_newest_recording_is_listed_and_long_lists_are_cut(self):
@@ -217,6 +222,8 @@ exec {shutil.which('timeout')} "$@"
                              ("the queue's model", f"there is no {self.path('ppd')}")):
             self.assertIn(f"  not read  {missing}: {why}", said)
         self.assertTrue(report.endswith(said.partition("Written to")[0]))
+        self.assertEqual(self.section(report, "Recorded stream"),
+                         ["There is none, or it may only be seen as root."])
 
     def test_a_queue_that_is_not_there(self):
         self.assert_refused(self.run_report("other"), 'there is no queue "other"; "lpstat -e" lists')
@@ -224,7 +231,7 @@ exec {shutil.which('timeout')} "$@"
     def test_a_queue_in_capital_letters_is_the_same(self):
         said, report = self.report("LABEL")
         self.assertIn('About the queue "label":', said)
-        self.assertEqual(len(self.section(report, "Log")), 11)
+        self.assertEqual(len(self.section(report, "Log")), 12)
 
     def test_each_part_says_what_it_is_for(self):
         self.write("tarvo-20261121070000.bin", "x")
@@ -249,7 +256,7 @@ exec {shutil.which('timeout')} "$@"
             with self.subTest(part=part, words=words):
                 self.assertIn(words, "\n".join(self.section(report, part)))
         self.assertNotIn("Filesystem", report)  # it may be another computer's
-        for read in ("versions", "the queue's state", "the queue's options", "the log: 11 lines",
+        for read in ("versions", "the queue's state", "the queue's options", "the log: 12 lines",
                      "the last recorded stream: ", "the queue's model"):
             self.assertIn("  read      " + read, said)
         self.assertNotIn("not read", said)
@@ -268,9 +275,9 @@ exec {shutil.which('timeout')} "$@"
     # As cups-files.conf names it, and not a file at all.
     def test_the_log_is_looked_for_where_cups_writes_it(self):
         self.install_filters()
-        for setting, outcome in ((f"ErrorLog {self.path('log')}", "read      the log: 11 lines"),
+        for setting, outcome in ((f"ErrorLog {self.path('log')}", "read      the log: 12 lines"),
                                  (f"ErrorLog /none\n  ErrorLog {self.path('log')}",
-                                  "read      the log: 11 lines"),
+                                  "read      the log: 12 lines"),
                                  ("ErrorLog syslog", "not read  the log: CUPS writes it to syslog: add"),
                                  ("ErrorLog stderr", "not read  the log: CUPS writes it to stderr")):
             with self.subTest(setting=setting):
@@ -348,10 +355,10 @@ exec {shutil.which('uname')} "$@"
             'argv[5]="job-originating-host-name=192.0.2.77"',
             'argv[5]="job-originating-host-name=localhost"', 'argv[5]="job-originating-host-name=127.0.0.1"',
             "desk4.example, DESK4 and 4desk at Desk5 or desk5.example:631, localhost, ipp://localhost:631/",
-            "there, here or here.EXAMPLE; desk7 of another queue", "from 192.0.2.77, not from 192 or 127.0.0.1"), [
+            "there, here or here.EXAMPLE; desk7 of another queue, desk8.example, Desk9.example", "from 192.0.2.77, not from 192 or 127.0.0.1"), [
             *["argv[5]= (others hidden)"] * 4,
             "(hidden), (hidden) and 4desk at (hidden) or (hidden):631, localhost, ipp://localhost:631/",
-            "there, (hidden) or (hidden); (hidden) of another queue", "from (hidden), not from 192 or 127.0.0.1"])
+            "there, (hidden) or (hidden); (hidden) of another queue, (hidden), (hidden)", "from (hidden), not from 192 or 127.0.0.1"])
         # A machine's name may be one that says nothing.
         for node in ("LABEL", "Localhost"):
             self.write("bin/node", node + "\n")

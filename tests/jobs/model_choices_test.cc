@@ -211,13 +211,15 @@ const Rule kRules[] = {
     {"RecordPrinterCommands", "", {}, nothing},
     {"KeepPages", "", {}, nothing, false, {"True", "False"}},
     // These act before the filter, where the page is made, and the raster here stays the same.
+    {"CenterOfPixel", "", {}, nothing},
     {"PageSize", "", {}, nothing},
     {"PageRegion", "", {}, nothing},
     {"Resolution", "", {}, nothing},
 };
 
 bool actsBefore(const std::string& option) {
-  return option == "PageSize" || option == "PageRegion" || option == "Resolution";
+  return option == "PageSize" || option == "PageRegion" || option == "Resolution" ||
+         option == "CenterOfPixel";
 }
 
 void PrintTo(const Rule& rule, std::ostream* stream) { *stream << rule.option; }

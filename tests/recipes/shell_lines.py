@@ -44,16 +44,20 @@ lp -d label samples/shipping-label.pdf
 await_page
 """
 FIND = """find /var/spool/cups/tmp -maxdepth 1 -type f -mmin +60 \\( -name 'origin_[0-9]*.bmp' \
--o -name 'dithered_[0-9]*.bmp' -o -name 'tarvo-[0-9]*.bin' \\) -delete"""
+-o -name 'dithered_[0-9]*.bmp' -o -name 'tarvo-[0-9]*.bin' -o -name '.origin_[0-9]*.bmp-??????' \
+-o -name '.dithered_[0-9]*.bmp-??????' \\) -delete"""
 OLD_FILES = """
 cd /var/spool/cups/tmp
 rm -f *.bmp
 touch origin_1.bmp dithered_1.bmp tarvo-1.bin other.bmp
 touch -d '2 hours ago' origin_0.bmp dithered_0.bmp tarvo-0.bin another.bmp
+touch .origin_1.bmp-AbCdEf
+touch -d '2 hours ago' .origin_0.bmp-AbCdEf .dithered_0.bmp-AbCdEf .other
 """
 ONLY_OLD_FILES_ARE_GONE = """
 cd /var/spool/cups/tmp
 [ "$(echo *.bmp *.bin)" = "another.bmp dithered_1.bmp origin_1.bmp other.bmp tarvo-1.bin" ]
+[ "$(echo .o* .d*)" = ".origin_1.bmp-AbCdEf .other .d*" ]
 """
 
 LINES = {
@@ -120,6 +124,10 @@ LINES = {
         ("sudo apt remove printer-driver-tarvo", Run(
             "removing", after="! command -v tsplview; [ ! -e /usr/lib/cups/filter/rastertotarvo ]")),
         # Disk space
+        ("sudo lpadmin -p label -o KeepPages=False", Run(
+            "package", before="rm -f /var/spool/cups/tmp/*.bmp",
+            after=PRINTS + """
+              [ "$(echo /var/spool/cups/tmp/*.bmp)" = "/var/spool/cups/tmp/*.bmp" ]""")),
         ("sed 's/- - - 1d/- - - 1h/' /usr/lib/tmpfiles.d/tarvo.conf | sudo tee /etc/tmpfiles.d/tarvo.conf", Run(
             "package", after="""
               [ "$(diff /usr/lib/tmpfiles.d/tarvo.conf /etc/tmpfiles.d/tarvo.conf | grep -c '^> .* 1h$')" -eq 1 ]""")),

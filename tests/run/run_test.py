@@ -68,9 +68,9 @@ class RunTest(unittest.TestCase):
         self.folder = folder.name
         self.out = os.path.join(self.folder, "out")
 
-    def run_it(self, *arguments, status=0, cwd=None):
+    def run_it(self, *arguments, status=0, cwd=None, environment=None):
         result = subprocess.run([RUN, "--out", self.out, *arguments], cwd=cwd or self.folder,
-                                capture_output=True, text=True)
+                                capture_output=True, text=True, env=dict(os.environ, **(environment or {})))
         self.assertEqual(result.returncode, status, result.stdout + result.stderr)
         return result
 
@@ -266,6 +266,24 @@ class RunTest(unittest.TestCase):
                 self.assertGreater(len(inked), 150)
                 self.assertEqual(len(set(inked)), 1, "rows differ: the line is not straight")
                 self.assertRegex(inked[0], r"^\.+#+\.+$")
+
+    def test_a_size_means_the_same_where_numbers_have_a_comma(self):
+        locales = os.path.join(self.folder, "locales")
+        os.mkdir(locales)
+        made = subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8",
+                               os.path.join(locales, "de_DE.UTF-8")], check=False, capture_output=True)
+        if made.returncode > 1:  # 1 is a warning
+            self.skipTest("no source of the locale de_DE: package locales")
+        environment = {"LOCPATH": locales, "LC_ALL": "de_DE.UTF-8"}
+        comma = subprocess.run(["locale", "decimal_point"], env=dict(os.environ, **environment), check=True,
+                               capture_output=True, text=True).stdout
+        self.assertEqual(comma, ",\n")
+        listed = self.run_it("--list", environment=environment).stdout
+        self.assertIn("Custom.WIDTHxLENGTHmm  15 x 10 to 104 x 1000 mm", listed)
+        document = self.write("note.txt", "note\n")
+        # The widest that the model takes.
+        self.run_it("-o", "PageSize=Custom.104x10.5mm", document, environment=environment)
+        self.assertEqual((self.only_page("note").stride * 8, self.only_page("note").height), (832, 84))
 
     def test_brightness_of_zero_changes_nothing_in_a_picture(self):
         document = self.write("left.png", png(812, 1218, lambda x, y: x < 100))

@@ -3,11 +3,15 @@ import os
 import re
 import struct
 import subprocess
+import sys
 import tempfile
 import unittest
 import zlib
 
 ROOT = os.environ["TARVO_ROOT"]
+sys.path.insert(0, os.path.join(ROOT, "tests/support"))
+from comma_locale import comma_locale  # noqa: E402
+
 RUN = os.path.join(ROOT, "run")
 
 HALFTONES = ["None", "FloydSteinberg", "Ordered", "Burkes", "Stucki", "JarvisJudiceNinke", "Sierra",
@@ -268,16 +272,7 @@ class RunTest(unittest.TestCase):
                 self.assertRegex(inked[0], r"^\.+#+\.+$")
 
     def test_a_size_means_the_same_where_numbers_have_a_comma(self):
-        locales = os.path.join(self.folder, "locales")
-        os.mkdir(locales)
-        made = subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8",
-                               os.path.join(locales, "de_DE.UTF-8")], check=False, capture_output=True)
-        if made.returncode > 1:  # 1 is a warning
-            self.skipTest("no source of the locale de_DE: package locales")
-        environment = {"LOCPATH": locales, "LC_ALL": "de_DE.UTF-8"}
-        comma = subprocess.run(["locale", "decimal_point"], env=dict(os.environ, **environment), check=True,
-                               capture_output=True, text=True).stdout
-        self.assertEqual(comma, ",\n")
+        environment = comma_locale(self, self.folder)
         listed = self.run_it("--list", environment=environment).stdout
         self.assertIn("Custom.WIDTHxLENGTHmm  15 x 10 to 104 x 1000 mm", listed)
         document = self.write("note.txt", "note\n")

@@ -9,9 +9,10 @@
 
 CommandResult runCommand(const std::string& command) {
   CommandResult result;
-  // Some of CUPS's programs are where only root's path leads.
-  const std::string found = "PATH=$PATH:/usr/sbin:/sbin; " + command;
-  std::FILE* pipe = popen(found.c_str(), "r");
+  // Some of CUPS's programs are where only root's path leads; they read and say in the reader's
+  // language what is judged here.
+  const std::string settings = "PATH=$PATH:/usr/sbin:/sbin; export LC_ALL=C.UTF-8; ";
+  std::FILE* pipe = popen((settings + command).c_str(), "r");
   if (pipe == nullptr) return result;
   char buffer[4096];
   std::size_t count = 0;

@@ -9,7 +9,8 @@ struct CommandResult {
   std::string output;  ///< what it wrote to standard output
 };
 
-/// Runs `command` with /bin/sh, the system's programs on its path, and waits for its end.
+/// Runs `command` with /bin/sh, the system's programs on its path, in no language and
+/// country, and waits for its end.
 CommandResult runCommand(const std::string& command);
 
 /// A new empty folder under the temporary folder, removed with all it holds at the end of its life.

@@ -3,11 +3,15 @@ import os
 import re
 import struct
 import subprocess
+import sys
 import tempfile
 import unittest
 import zlib
 
 ROOT = os.environ["TARVO_ROOT"]
+sys.path.insert(0, os.path.join(ROOT, "tests/support"))
+from comma_locale import comma_locale  # noqa: E402
+
 RUN = os.path.join(ROOT, "run")
 
 HALFTONES = ["None", "FloydSteinberg", "Ordered", "Burkes", "Stucki", "JarvisJudiceNinke", "Sierra",
@@ -68,9 +72,9 @@ class RunTest(unittest.TestCase):
         self.folder = folder.name
         self.out = os.path.join(self.folder, "out")
 
-    def run_it(self, *arguments, status=0, cwd=None):
+    def run_it(self, *arguments, status=0, cwd=None, environment=None):
         result = subprocess.run([RUN, "--out", self.out, *arguments], cwd=cwd or self.folder,
-                                capture_output=True, text=True)
+                                capture_output=True, text=True, env=dict(os.environ, **(environment or {})))
         self.assertEqual(result.returncode, status, result.stdout + result.stderr)
         return result
 
@@ -266,6 +270,15 @@ class RunTest(unittest.TestCase):
                 self.assertGreater(len(inked), 150)
                 self.assertEqual(len(set(inked)), 1, "rows differ: the line is not straight")
                 self.assertRegex(inked[0], r"^\.+#+\.+$")
+
+    def test_a_size_means_the_same_where_numbers_have_a_comma(self):
+        environment = comma_locale(self, self.folder)
+        listed = self.run_it("--list", environment=environment).stdout
+        self.assertIn("Custom.WIDTHxLENGTHmm  15 x 10 to 104 x 1000 mm", listed)
+        document = self.write("note.txt", "note\n")
+        # The widest that the model takes.
+        self.run_it("-o", "PageSize=Custom.104x10.5mm", document, environment=environment)
+        self.assertEqual((self.only_page("note").stride * 8, self.only_page("note").height), (832, 84))
 
     def test_brightness_of_zero_changes_nothing_in_a_picture(self):
         document = self.write("left.png", png(812, 1218, lambda x, y: x < 100))

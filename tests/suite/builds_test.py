@@ -1,15 +1,19 @@
-"""A compiler's warning stops a developer's build, and nobody else's.
+"""What stops a build: a compiler's warning a developer's, nobody else's, and a locale none.
 
-Configures the project in each way and runs its own commands on a file that deserves a warning.
+Configures the project in each way and runs its own commands, on a file that deserves a warning.
 """
 import json
 import os
 import shlex
 import subprocess
+import sys
 import tempfile
 import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "tests/support"))
+from comma_locale import comma_locale  # noqa: E402
+
 COMPILER = os.environ.get("TARVO_COMPILER", "c++")
 
 # Any compiler warns of it under -Wall.
@@ -32,14 +36,18 @@ def run(*command, **options):
                           **options)
 
 
-class WarningsTest(unittest.TestCase):
-    def configured(self, arguments):
-        """Every compiler command of a build: source, command, folder that it runs in."""
-        folder = tempfile.TemporaryDirectory(prefix="tarvo-warnings-")
+class BuildsTest(unittest.TestCase):
+    def configure(self, arguments):
+        """A build that is configured, and nothing built."""
+        folder = tempfile.TemporaryDirectory(prefix="tarvo-builds-")
         self.addCleanup(folder.cleanup)
         ran = run("cmake", "-S", ROOT, *arguments, "-B", folder.name, "-DCMAKE_CXX_COMPILER=" + COMPILER)
         self.assertEqual(ran.returncode, 0, ran.stdout)
-        with open(os.path.join(folder.name, "compile_commands.json"), encoding="utf-8") as file:
+        return folder.name
+
+    def configured(self, arguments):
+        """Every compiler command of a build: source, command, folder that it runs in."""
+        with open(os.path.join(self.configure(arguments), "compile_commands.json"), encoding="utf-8") as file:
             return [(os.path.relpath(entry["file"], ROOT), shlex.split(entry["command"]), entry["directory"])
                     for entry in json.load(file)]
 
@@ -54,7 +62,7 @@ class WarningsTest(unittest.TestCase):
         command[command.index("-o") + 1] = os.path.join(folder, "warned.o")
         return run(*command, cwd=folder)
 
-    def test_it_stops_no_user(self):
+    def test_a_warning_stops_no_user(self):
         for what, arguments in USERS.items():
             with self.subTest(what):
                 commands = self.configured(arguments)
@@ -67,7 +75,7 @@ class WarningsTest(unittest.TestCase):
                 self.assertIn("warning: ", ran.stdout)
                 self.assertEqual(ran.returncode, 0, ran.stdout)
 
-    def test_it_stops_developers(self):
+    def test_a_warning_stops_developers(self):
         for what, arguments in DEVELOPERS.items():
             with self.subTest(what):
                 commands = self.configured(arguments)
@@ -84,6 +92,14 @@ class WarningsTest(unittest.TestCase):
         said = {name: run("cmake", "-N", "--preset", name, cwd=ROOT).stdout for name in presets}
         lenient = [name for name, variables in said.items() if 'TARVO_WERROR="ON"' not in variables]
         self.assertEqual(lenient, ["user"])
+
+    def test_models_are_compiled_where_numbers_have_a_comma(self):
+        folder = self.configure(USERS["the preset user"])
+        environment = comma_locale(self, folder)
+        ran = run("cmake", "--build", folder, "--target", "tarvo_ppds", env=dict(os.environ, **environment))
+        self.assertEqual(ran.returncode, 0, ran.stdout)
+        self.assertEqual(sorted(name for name in os.listdir(os.path.join(folder, "ppd")) if name.endswith(".ppd")),
+                         ["tarvo-label-203dpi.ppd", "tarvo-label-300dpi.ppd", "tarvo-stencil-a4-300dpi.ppd"])
 
 
 if __name__ == "__main__":

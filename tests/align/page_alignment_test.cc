@@ -102,6 +102,7 @@ TEST(PageAlignment, LeavesEveryOtherPageAsItIs) {
       {"16 bits", [](auto& h) { h.cupsBitsPerColor = h.cupsBitsPerPixel = 16; }},
       {"8 bits of 2-bit colours", [](auto& h) { h.cupsBitsPerColor = 2; }},
       {"24 bits", [](auto& h) { h.cupsBitsPerPixel = 24; }},
+      {"2 colours", [](auto& h) { h.cupsNumColors = 2; }},
       {"3 colours", [](auto& h) { h.cupsNumColors = 3; }},
       {"RGB", [](auto& h) { h.cupsColorSpace = CUPS_CSPACE_RGB; }},
       {"a device colour", [](auto& h) { h.cupsColorSpace = CUPS_CSPACE_DEVICE1; }},

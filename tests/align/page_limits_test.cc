@@ -111,6 +111,13 @@ TEST(PageLimits, APartOfADotIsNone) {
             "1598 x 2397.\n");
 }
 
+TEST(PageLimits, TheSmallestModelIsOne) {
+  const PpdSheet sheet{1, 1};
+  EXPECT_EQ(saidOf(sheet, headerOf(2, 2, 72, 72), 2), "admitted");
+  EXPECT_EQ(saidOf(sheet, headerOf(3, 2, 72, 72), 2),
+            "ERROR: Page 3 is too large: 3 x 2 dots, twice the model's largest size is 2 x 2.\n");
+}
+
 TEST(PageLimits, OfAModelThatNothingIsKnownOfOnlyTheBytesAreLimited) {
   EXPECT_EQ(saidOf(kAnySheet, headerOf(16000, 16000, 1, 1), 16000), "admitted");
 }

@@ -397,6 +397,27 @@ TEST_F(RunningFilter, APageGoesOnBeforeTheNextOneComes) {
   in_ = -1;
 }
 
+TEST_F(RunningFilter, InputThatComesInPiecesIsTheSameAsWhole) {
+  const Page page = grayPage(13, 5, Drawing::Random);
+  const std::string raster = support::rasterFile({page});
+  start();
+  std::size_t fed = 0;
+  for (const std::size_t size : {1U, 1U, 3U, 1000U, 1U, 795U, 1U, 2U, 1U, 30U, 1U}) {
+    feed(raster.substr(fed, size));
+    fed += size;
+    settle();
+  }
+  feed(raster.substr(fed));
+  close(in_);
+  in_ = -1;
+  EXPECT_EQ(end(), 0);
+  std::string output(65536, '\0');
+  const ssize_t count = read(out_, output.data(), output.size());
+  ASSERT_GT(count, 0);
+  output.resize(static_cast<std::size_t>(count));
+  EXPECT_EQ(differenceOf({aligned(page)}, pagesOf(output)), "");
+}
+
 // Packed data of some kilobytes can hold millions of rows: a system call for each would take
 // seconds.
 TEST_F(RunningFilter, ShortRowsGoOnTogether) {

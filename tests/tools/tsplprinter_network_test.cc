@@ -54,7 +54,7 @@ TEST_F(TsplprinterNetwork, ASignalBehindAFalseAlarmEndsIt) {
     const char* what;
     bool listens;  // the socket of which the alarm is
   } kCases[] = {{"a client that is gone again", true},
-                {"bytes of a client that has sent none", false}};
+                {"bytes of a client that has sent all so far", false}};
   for (const auto& c : kCases) {
     const test::TemporaryFolder folder;
     setenv("TARVO_TEST_SIGTERM", c.listens ? "1" : "0", 1);
@@ -63,7 +63,9 @@ TEST_F(TsplprinterNetwork, ASignalBehindAFalseAlarmEndsIt) {
     const int port = printer.ListeningPort();
     if (!c.listens) {
       const Client client(port);
+      client.Send(kPage);
       EXPECT_EQ(client.Ending(), "reset") << c.what;
+      EXPECT_THAT(printer.Rest(), ::testing::Not(::testing::HasSubstr("broken off")));
     }
     EXPECT_EQ(printer.Wait(), 0) << c.what;
     EXPECT_EQ(folder.Read("err"), "") << c.what;

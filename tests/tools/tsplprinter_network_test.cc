@@ -77,6 +77,7 @@ TEST_F(TsplprinterNetwork, LeavesNoDescriptorToOtherPrograms) {
   const Client client(printer.ListeningPort());
   client.Send(kPage);
   EXPECT_EQ(printer.Line(), "job 1: begins");
+  EXPECT_THAT(printer.Line(), ::testing::StartsWith("job 1 page 1: "));
   EXPECT_THAT(printer.Descriptors(true), ::testing::IsEmpty());
   // Those that there are: for the signals, for its end, to listen, the client's, and the stream.
   EXPECT_THAT(printer.Descriptors(false),

@@ -13,6 +13,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -32,7 +33,22 @@ namespace fs = std::filesystem;
 std::function<void()> before_renaming;
 bool knows_renaming_to_free_names = true;
 
+// Likewise by open().
+std::function<void()> after_opening;
+
 }  // namespace
+
+#pragma GCC diagnostic ignored "-Wredundant-decls"  // the C library's header may define it as well
+extern "C" int open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+  va_end(arguments);
+  const auto real = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, "open"));
+  const int descriptor = real(path, flags, mode);
+  if (after_opening) after_opening();
+  return descriptor;
+}
 
 extern "C" int renameat2(int from_folder, const char* from, int to_folder, const char* to,
                          unsigned int flags) noexcept {
@@ -285,6 +301,21 @@ TEST_F(NewFileTest, MoreThanAreMarkedCanBeMade) {
   }
   for (const auto& file : files) EXPECT_EQ(file->Finish(), "");
   EXPECT_EQ(Names().size(), 9U);
+}
+
+TEST_F(NewFileTest, ASignalComesBeforeTheFileOrWhenItCanBeRemoved) {
+  const pid_t child = fork();
+  if (child == 0) {
+    std::signal(SIGTERM, SIG_DFL);
+    files::RemoveUnfinishedAtSignals();
+    after_opening = [] { raise(SIGTERM); };
+    const NewFile file(Path(), Existing::kReplace, 0600);
+    _exit(7);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(WIFSIGNALED(status) ? WTERMSIG(status) : -1, SIGTERM);
+  EXPECT_EQ(Names(), std::set<std::string>{});
 }
 
 TEST_F(NewFileTest, UnfinishedOnesGoWithASignal) {

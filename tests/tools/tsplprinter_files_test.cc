@@ -105,10 +105,11 @@ TEST_F(TsplprinterFiles, AStreamForWhichThereIsNoRoomLeavesNothing) {
   const struct {
     const char* what;
     std::string job;
+    bool whole;  // it ends at once when there is more to come
   } kCases[] = {
-      {"what is written at its end", kPage},
+      {"what is written at its end", kPage, true},
       {"what is written while it comes",
-       kPreamble + PageOf("1024.0 mm, 125.0 mm", 1024, 1000, std::string(1024000, 'A'))},
+       kPreamble + PageOf("1024.0 mm, 125.0 mm", 1024, 1000, std::string(1024000, 'A')), false},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
@@ -117,7 +118,7 @@ TEST_F(TsplprinterFiles, AStreamForWhichThereIsNoRoomLeavesNothing) {
     printer.LimitFiles(200);
     const Client client(port);
     client.Send(c.job);
-    client.Finish();
+    if (c.whole) client.Finish();
     EXPECT_EQ(printer.Wait(), 2);
     EXPECT_THAT(folder_.Read("err"),
                 HasSubstr("tsplprinter: printed/job-1.tspl: File too large\n"));

@@ -49,18 +49,26 @@ TEST_F(TsplprinterNetwork, AFalseAlarmIsNeitherAClientNorBytesNorAnError) {
 }
 
 // Nothing may block but the waiting itself: a signal could not end it there.
-TEST_F(TsplprinterNetwork, ASignalEndsItBehindAFalseAlarm) {
-  for (const bool connected : {false, true}) {
+TEST_F(TsplprinterNetwork, ASignalBehindAFalseAlarmEndsIt) {
+  const struct {
+    const char* what;
+    bool listens;  // the socket of which the alarm is
+  } kCases[] = {{"a client that is gone again", true},
+                {"bytes of a client that has sent all so far", false}};
+  for (const auto& c : kCases) {
     const test::TemporaryFolder folder;
+    setenv("TARVO_TEST_SIGTERM", c.listens ? "1" : "0", 1);
     PrinterProcess printer(folder, {"--port", "0"}, FALSE_ALARMS);
-    const Client client(printer.ListeningPort());
-    if (connected) {
-      client.Send(kPage);
-      EXPECT_EQ(printer.Line(), "job 1: begins");
+    unsetenv("TARVO_TEST_SIGTERM");
+    const int port = printer.ListeningPort();
+    if (!c.listens) {
+      const Client client(port);
+      client.Send(kPage);  // which may come too late
+      client.Ending();
+      EXPECT_THAT(printer.Rest(), ::testing::Not(::testing::HasSubstr("broken off")));
     }
-    printer.Signal(SIGTERM);
-    EXPECT_EQ(printer.Wait(), 0);
-    EXPECT_EQ(folder.Read("err"), "");
+    EXPECT_EQ(printer.Wait(), 0) << c.what;
+    EXPECT_EQ(folder.Read("err"), "") << c.what;
   }
 }
 
@@ -69,6 +77,7 @@ TEST_F(TsplprinterNetwork, LeavesNoDescriptorToOtherPrograms) {
   const Client client(printer.ListeningPort());
   client.Send(kPage);
   EXPECT_EQ(printer.Line(), "job 1: begins");
+  EXPECT_THAT(printer.Line(), ::testing::StartsWith("job 1 page 1: "));
   EXPECT_THAT(printer.Descriptors(true), ::testing::IsEmpty());
   // Those that there are: for the signals, for its end, to listen, the client's, and the stream.
   EXPECT_THAT(printer.Descriptors(false),

@@ -333,8 +333,9 @@ TEST_F(Tsplview, APictureReplacesAnOlderOne) {
 }
 
 TEST_F(Tsplview, APictureForWhichThereIsNoRoomLeavesNothing) {
-  // Dots without any order, which no compression makes small. Files may have 1,024 bytes at most:
-  // of the one picture that is too much when it is closed, of the other while it is drawn.
+  // Dots without any order, which no compression makes small. Files may have 512 or 1,024
+  // bytes, as the shell has it: too few for the one picture when it is closed, and for the other
+  // while it is drawn.
   std::mt19937 generator(1);
   std::string noise(std::size_t{64} * 600, '\0');
   for (char& byte : noise) byte = static_cast<char>(generator());

@@ -91,11 +91,17 @@ std::string NewFile::Finish() {
 // such file, as errno has it.
 int NewFile::Begin(const std::string& hidden, mode_t mode) {
   const std::string path = (std::filesystem::path(path_).parent_path() / hidden).string();
-  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const int descriptor = ::open(path.c_str(), flags, mode);
-  if (descriptor < 0) return errno;
-  hidden_ = path;
-  mark_.Set(hidden_);
+  // What has the hidden name already, a link among it, is not opened.
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+  int descriptor = -1;
+  {
+    // A signal that ends the process comes before there is a file, or when it is marked.
+    const SignalsHeld held;
+    descriptor = ::open(path.c_str(), flags, mode);
+    if (descriptor < 0) return errno;
+    hidden_ = path;
+    mark_.Set(hidden_);
+  }
   // Only now: whoever gives a file this name holds the hidden one until then.
   if (Refused()) {
     ::close(descriptor);

@@ -6,7 +6,6 @@
 #include <array>
 #include <atomic>
 #include <climits>
-#include <csignal>
 
 namespace files {
 namespace {
@@ -44,6 +43,14 @@ void RemoveUnfinishedAtSignals() {
     sigaction(signal, &action, nullptr);
   }
 }
+
+SignalsHeld::SignalsHeld() {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before_);
+}
+
+SignalsHeld::~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 void Unfinished::Set(const std::string& path) {
   if (path.size() >= sizeof Slot::path) return;

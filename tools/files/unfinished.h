@@ -2,6 +2,7 @@
 #ifndef TARVO_FILES_UNFINISHED_H_
 #define TARVO_FILES_UNFINISHED_H_
 
+#include <csignal>
 #include <string>
 
 namespace files {
@@ -13,6 +14,18 @@ void RemoveUnfinished();
 /// From now on SIGHUP, SIGINT, SIGQUIT and SIGTERM remove the marked files and then do what they
 /// did before; those that are ignored stay ignored.
 void RemoveUnfinishedAtSignals();
+
+/// While it lives, no signal comes to this thread.
+class SignalsHeld {
+ public:
+  SignalsHeld();
+  ~SignalsHeld();
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+ private:
+  sigset_t before_;
+};
 
 /// Marks one file while it lives. Of more than four at a time, some are not marked.
 class Unfinished {

@@ -54,6 +54,8 @@ Watch::Watch() {
   signals_ = files::Descriptor(signalfd(-1, &stop, SFD_CLOEXEC));
   over_ = files::Descriptor(eventfd(0, EFD_CLOEXEC));
   if (!signals_ || !over_) throw std::system_error(errno, std::generic_category(), "signals");
+  // A signal that ends the process at once is the main thread's: it knows what files it has begun.
+  const files::SignalsHeld held;
   end_ = std::thread([this] { SeeToTheEnd(); });
 }
 

@@ -97,7 +97,7 @@ TEST(SetDirection, OnlyRotation180TurnsThePage) {
       {"Rotation 180", "DIRECTION 0,0\r\n"},
   };
   for (const auto& [origin, expected] : cases) {
-    EXPECT_EQ(sentBy([&origin = origin] { setDirection(origin, 0); }), expected) << origin;
+    EXPECT_EQ(sentBy([&text = origin] { setDirection(text, 0); }), expected) << origin;
   }
 }
 
@@ -134,7 +134,7 @@ TEST(SetSpeed, TextIsCopiedWhenItIsANumberAboveZero) {
       {"Fast", ""},
   };
   for (const auto& [speed, expected] : cases) {
-    EXPECT_EQ(sentBy([&speed = speed] { setSpeedAndDensity(speed, -1); }), expected) << speed;
+    EXPECT_EQ(sentBy([&text = speed] { setSpeedAndDensity(text, -1); }), expected) << speed;
   }
 }
 
@@ -152,8 +152,7 @@ TEST(SetDensity, IsSentFrom0To30) {
                {31, ""},
                {1000, ""}};
   for (const auto& [density, expected] : cases) {
-    EXPECT_EQ(sentBy([&density = density] { setSpeedAndDensity("", density); }), expected)
-        << density;
+    EXPECT_EQ(sentBy([&number = density] { setSpeedAndDensity("", number); }), expected) << density;
   }
 }
 
@@ -178,7 +177,7 @@ TEST(SetRibbon, DirectIsOffTransferIsOn) {
                {"None", ""},
                {"", ""}};
   for (const auto& [method, expected] : cases) {
-    EXPECT_EQ(sentBy([&method = method] { setRibbon(method); }), expected) << method;
+    EXPECT_EQ(sentBy([&text = method] { setRibbon(text); }), expected) << method;
   }
 }
 
@@ -222,7 +221,7 @@ TEST(SetPostAction, FirstKeywordOfTheTableWins) {
       {"Rewind", ""},
   };
   for (const auto& [action, expected] : cases) {
-    EXPECT_EQ(sentBy([&action = action] { setPostAction(action); }), expected) << action;
+    EXPECT_EQ(sentBy([&text = action] { setPostAction(text); }), expected) << action;
   }
 }
 

@@ -155,8 +155,8 @@ TEST(DitherRoute, WhatIsMissingOfALineIs0) {
       {0, {0, 0, 0, 0, 0, 0, 0, 0}}, {1, {1, 0, 0, 0, 1, 0, 0, 0}}, {3, {1, 1, 1, 0, 1, 1, 1, 0}}};
   for (const auto& [stride, expected] : cases) {
     TestPrinter printer;
-    support::standardErrorOf([&, stride = stride] {
-      EXPECT_EQ(printer.PageProcess(None, page.data(), stride, 4, 2, nullptr), 8);
+    support::standardErrorOf([&, bytes = stride] {
+      EXPECT_EQ(printer.PageProcess(None, page.data(), bytes, 4, 2, nullptr), 8);
     });
     EXPECT_EQ(pixelsOf(printer.cximage_), expected) << stride;
   }
@@ -493,9 +493,8 @@ TEST(Failure, PageThatCannotBeMadeIntoAnImage) {
     // A line or a page of 2 GiB and more, as an int.
     for (const auto& [stride, width, height] :
          {std::tuple{-4, 4, 1}, {4, -4, 1}, {4, 4, -1}, {-4, -4, -1}}) {
-      EXPECT_EQ(support::standardErrorOf([&, stride = stride, width = width, height = height] {
-                  EXPECT_EQ(
-                      printer.PageProcess(type, page.data(), stride, width, height, out.data()), 0);
+      EXPECT_EQ(support::standardErrorOf([&, bytes = stride, x = width, y = height] {
+                  EXPECT_EQ(printer.PageProcess(type, page.data(), bytes, x, y, out.data()), 0);
                 }),
                 log);
     }

@@ -167,12 +167,15 @@ TEST(RasterToAligned, SaysWhatIsWrongWithItsInput) {
   } kCases[] = {
       {"nothing", "", 0, "WARNING: The document has no pages.\n"},
       {"no page", good.substr(0, 4), 0, "WARNING: The document has no pages.\n"},
+      {"a byte", good.substr(0, 1), 1, "ERROR: The input is not a stream of raster pages.\n"},
       {"half a sync word", good.substr(0, 2), 1,
        "ERROR: The input is not a stream of raster pages.\n"},
       {"a PDF", "%PDF-1.4\nand so on", 1, "ERROR: The input is not a stream of raster pages.\n"},
       {"half a header", good.substr(0, 1000), 1, "ERROR: Page 1 has no header that can be read.\n"},
       {"a page without rows", support::uncheckedRasterFile({empty}), 1,
        "ERROR: Page 1 has no header that can be read.\n"},
+      {"a byte behind the last page", good + "x", 1,
+       "ERROR: Page 2 has no header that can be read.\n"},
       {"half a second header", good + good.substr(4, 1000), 1,
        "ERROR: Page 2 has no header that can be read.\n"},
   };
@@ -401,6 +404,7 @@ TEST_F(RunningFilter, InputThatComesInPiecesIsTheSameAsWhole) {
   const Page page = grayPage(13, 5, Drawing::Random);
   const std::string raster = support::rasterFile({page});
   start();
+  signal(SIGPIPE, SIG_IGN);  // of a filter that gives up, feed tells
   std::size_t fed = 0;
   for (const std::size_t size : {1U, 1U, 3U, 1000U, 1U, 795U, 1U, 2U, 1U, 30U, 1U}) {
     feed(raster.substr(fed, size));

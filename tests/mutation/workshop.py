@@ -292,12 +292,12 @@ class Workshop:
         changed = None  # the programs that are made of it, once they are needed, and their places
         try:
             for name in self.programs_for(mutant.file):
-                program = os.path.join(self.scratch, name)
+                program = os.path.join(self.scratch, name + ".program")  # a folder may have its name
                 if name in DRIVEN:
                     if changed is None:
                         changed = {}
                         for started in STARTED:
-                            made = os.path.join(self.scratch, started)
+                            made = os.path.join(self.scratch, started + ".program")
                             if self.link(started, objects, made):
                                 place = os.path.join(self.build, self.output[started])
                                 os.rename(place, place + ".original")

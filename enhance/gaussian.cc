@@ -1,7 +1,10 @@
 #include "enhance/gaussian.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -16,9 +19,11 @@ namespace {
 /// below -1 none, of which there are then less than 0.
 std::int64_t tapsWritten(int ksize) { return 2 * std::int64_t{ksize / 2} + 1; }
 
-/// Room for taps; those that are not written are 0.
+/// Room for taps; those that are not written are 0. Compilers differ in what they throw for more
+/// than can be addressed, so that is told here.
 std::unique_ptr<double[]> roomFor(std::int64_t taps) {
-  if (!std::in_range<std::size_t>(taps)) throw std::bad_array_new_length();
+  constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double);
+  if (std::cmp_less(taps, 0) || std::cmp_greater(taps, kMost)) throw std::bad_array_new_length();
   return std::make_unique<double[]>(static_cast<std::size_t>(taps));
 }
 

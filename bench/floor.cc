@@ -12,13 +12,12 @@
 
 namespace {
 
-struct Closer {
+struct Close {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
-using File = std::unique_ptr<std::FILE, Closer>;
 
 void dump(const std::string& name, const std::vector<std::uint8_t>& page) {
-  const File file(std::fopen(name.c_str(), "wb"));
+  const std::unique_ptr<std::FILE, Close> file(std::fopen(name.c_str(), "wb"));
   if (file != nullptr) std::fwrite(page.data(), 1, page.size(), file.get());
 }
 

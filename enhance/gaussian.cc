@@ -7,7 +7,6 @@
 #include <limits>
 #include <memory>
 #include <new>
-#include <utility>
 
 #include "enhance/blurred_rows.h"
 #include "enhance/lumo_math.h"
@@ -19,11 +18,12 @@ namespace {
 /// below -1 none, of which there are then less than 0.
 std::int64_t tapsWritten(int ksize) { return 2 * std::int64_t{ksize / 2} + 1; }
 
-/// Room for taps; those that are not written are 0. Compilers differ in what they throw for more
-/// than can be addressed, so that is told here.
+/// Room for taps; those that are not written are 0.
 std::unique_ptr<double[]> roomFor(std::int64_t taps) {
-  constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double);
-  if (std::cmp_less(taps, 0) || std::cmp_greater(taps, kMost)) throw std::bad_array_new_length();
+  // More than any memory can hold: some compilers' new[] would call that a lack of memory.
+  constexpr std::int64_t kMost =
+      std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(double)};
+  if (taps < 0 || taps > kMost) throw std::bad_array_new_length();
   return std::make_unique<double[]>(static_cast<std::size_t>(taps));
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "planted.h"
 #include "support/descriptors.h"
 #include "support/folder.h"
 
@@ -122,19 +123,8 @@ TEST(OwnFile, WhatWasPlantedIsLeftAsItWas) {
   const support::Folder folder;
   const std::string target = folder / "target", path = folder / "path";
   support::writeFile(target, "content");
-  const struct {
-    const char* what;
-    void (*plant)(const std::string& target, const std::string& path);
-  } cases[] = {
-      {"a link", [](const std::string& to,
-                    const std::string& at) { std::filesystem::create_symlink(to, at); }},
-      {"a second name", [](const std::string& to,
-                           const std::string& at) { std::filesystem::create_hard_link(to, at); }},
-      {"a folder",
-       [](const std::string&, const std::string& at) { std::filesystem::create_directory(at); }},
-      {"a pipe", [](const std::string&, const std::string& at) { mkfifo(at.c_str(), 0600); }}};
   const std::size_t open = support::openDescriptors();
-  for (const auto& [what, plant] : cases) {
+  for (const auto& [what, plant] : kPlanted) {
     plant(target, path);
     const auto kind = std::filesystem::symlink_status(path).type();
     EXPECT_TRUE(tarvoIsOccupied(path.c_str())) << what;

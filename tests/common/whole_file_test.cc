@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "planted.h"
 #include "support/descriptors.h"
 #include "support/folder.h"
 
@@ -72,16 +73,7 @@ TEST(WholeFile, TakesNoPlaceOfSomethingElse) {
   const support::Folder folder;
   const std::string target = folder / "target", path = folder / "path";
   support::writeFile(target, "content");
-  const struct {
-    const char* what;
-    void (*plant)(const std::string& target, const std::string& path);
-  } cases[] = {
-      {"a link", [](const std::string& to, const std::string& at) { fs::create_symlink(to, at); }},
-      {"a second name",
-       [](const std::string& to, const std::string& at) { fs::create_hard_link(to, at); }},
-      {"a folder", [](const std::string&, const std::string& at) { fs::create_directory(at); }},
-      {"a pipe", [](const std::string&, const std::string& at) { mkfifo(at.c_str(), 0600); }}};
-  for (const auto& [what, plant] : cases) {
+  for (const auto& [what, plant] : kPlanted) {
     SCOPED_TRACE(what);
     for (const bool late : {false, true}) {
       if (!late) plant(target, path);

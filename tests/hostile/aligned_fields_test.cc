@@ -93,7 +93,7 @@ TEST(AlignedFields, NeverHarm) {
   }
   std::cout << cases << " jobs, " << refusals << " refused\n";
   EXPECT_GT(cases, 200);
-  EXPECT_GT(refusals, 5);
+  EXPECT_GT(refusals, jobs::kAddressSanitizer ? 1 : 5);  // of each fifth job there
 }
 
 }  // namespace

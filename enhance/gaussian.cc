@@ -1,10 +1,12 @@
 #include "enhance/gaussian.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <new>
-#include <utility>
 
 #include "enhance/blurred_rows.h"
 #include "enhance/lumo_math.h"
@@ -18,7 +20,10 @@ std::int64_t tapsWritten(int ksize) { return 2 * std::int64_t{ksize / 2} + 1; }
 
 /// Room for taps; those that are not written are 0.
 std::unique_ptr<double[]> roomFor(std::int64_t taps) {
-  if (!std::in_range<std::size_t>(taps)) throw std::bad_array_new_length();
+  // More than any memory can hold: some compilers' new[] would call that a lack of memory.
+  constexpr std::int64_t kMost =
+      std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(double)};
+  if (taps < 0 || taps > kMost) throw std::bad_array_new_length();
   return std::make_unique<double[]>(static_cast<std::size_t>(taps));
 }
 

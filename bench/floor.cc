@@ -12,10 +12,12 @@
 
 namespace {
 
-using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
+struct Close {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
 
 void dump(const std::string& name, const std::vector<std::uint8_t>& page) {
-  const File file(std::fopen(name.c_str(), "wb"), &std::fclose);
+  const std::unique_ptr<std::FILE, Close> file(std::fopen(name.c_str(), "wb"));
   if (file != nullptr) std::fwrite(page.data(), 1, page.size(), file.get());
 }
 

@@ -189,9 +189,10 @@ def cupsd_command(folder):
 
 def client_environment(folder):
     """For lp and all other clients of this CUPS, and for itself."""
+    # A client that is ended leaves its temporary files behind: here they go with the folder.
     # lpoptions would ask for a queue's model at the system's port; it finds the file by the root.
     return dict(os.environ, CUPS_SERVER=socket_of(folder), CUPS_SERVERROOT=f"{folder}/etc",
-                HOME=f"{folder}/home", LC_ALL="C.UTF-8", SOFTWARE="tarvo")
+                HOME=f"{folder}/home", TMPDIR=f"{folder}/home", LC_ALL="C.UTF-8", SOFTWARE="tarvo")
 
 
 def answers(folder):

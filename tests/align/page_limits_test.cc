@@ -135,7 +135,7 @@ TEST(PageLimits, NoPageIsPrintedMoreThan9999Times) {
   };
   for (const auto& [asked, printed, said] : cases) {
     unsigned copies = 0;
-    EXPECT_EQ(support::standardErrorOf([&, asked = asked] { copies = limitCopies(3, asked); }),
+    EXPECT_EQ(support::standardErrorOf([&, count = asked] { copies = limitCopies(3, count); }),
               said);
     EXPECT_EQ(copies, printed);
   }
